@@ -1,0 +1,16 @@
+# What every target of ours is compiled with: link it PRIVATE.
+add_library(build_options INTERFACE)
+target_compile_options(build_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<BOOL:${MATERIAL_ANALYSIS_WERROR}>:-Werror>)
+
+# Sanitizers and counters have to be on everywhere, in what we link too.
+if(MATERIAL_ANALYSIS_SANITIZE)
+  add_compile_options(-fsanitize=${MATERIAL_ANALYSIS_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${MATERIAL_ANALYSIS_SANITIZE})
+endif()
+if(MATERIAL_ANALYSIS_COVERAGE)
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage)
+endif()

@@ -1,0 +1,1 @@
+#include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/IDmBaseObj.h"
+
+/// What a program needs of the reference host beyond the services in host/: files become materials
+/// here. All functions may be called on any thread.
+namespace reference_host {
+
+/// What importMaterial gives back.
+struct ImportedMaterial {
+    /// The material with one reference, which the caller gives back; null when `error` is set.
+    KOR::IDmBaseObj* object = nullptr;
+    /// Why the file is no material, in one line without its name; empty on success.
+    std::string error;
+};
+
+/// Opens `file` as a material: a video when it holds more than one picture, a photo when exactly
+/// one. Reads the whole file's packets once, without decoding them all.
+///
+/// The name is taken literally, and only a regular file is opened. What is computed for the
+/// material may be kept in a directory of its own below `cacheRoot`; with an empty `cacheRoot`
+/// nothing is kept. The directory is not created here.
+ImportedMaterial importMaterial(const std::filesystem::path& file,
+                                const std::filesystem::path& cacheRoot);
+
+/// What has happened to a material so far.
+struct MaterialReport {
+    /// An analysis task has been started on it.
+    bool analysed = false;
+    /// The reason of the first task that failed on it, in one line; empty when none did.
+    std::string failure;
+    /// What was wrong with the file although it could be used, one line each.
+    std::vector<std::string> warnings;
+};
+
+/// Returns the report of a material that importMaterial made.
+MaterialReport reportOf(KOR::IDmBaseObj& material);
+
+/// Sends the host's log (number 0), FFmpeg's messages included, to the end of `file`. Until this is
+/// called there is no log, and FFmpeg's messages are dropped. Throws std::runtime_error, which
+/// names the file, when it cannot be written.
+void openLog(const std::filesystem::path& file);
+
+}  // namespace reference_host
