@@ -64,6 +64,8 @@ public:
 /// prepared and started again, also from inside that last event. Setters are called between runs
 /// only. What a task needs of the outside it copies when it is told, so that nothing that the
 /// caller owns is touched after an operation has returned, the source and the listeners aside.
+/// Giving back the last reference on a running task ends its run without a further event; from
+/// another thread it returns when no event can still come.
 class IKorBaseTask : public virtual IDmBaseObj {
 public:
     /// 0. Returns the code of the kind of task; the component is itself a task, of type 10.

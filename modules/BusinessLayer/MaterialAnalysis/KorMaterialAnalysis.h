@@ -9,6 +9,7 @@
 
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
 #include "modules/BusinessLayer/MaterialAnalysis/ListenerList.h"
+#include "modules/BusinessLayer/MaterialAnalysis/LogLine.h"
 #include "modules/BusinessLayer/MaterialAnalysis/Records.h"
 #include "modules/BusinessLayer/MaterialAnalysis/Ref.h"
 #include "modules/BusinessLayer/MaterialAnalysis/RefCnt.h"
@@ -81,17 +82,24 @@ private:
     Status prepareTask(IBsMediaAnalysisTask& task, std::int32_t flag);
     Status handKeyFramePositions(IBsMediaAnalysisTask& task);
     Status handScenceRanges(IBsMediaAnalysisTask& task);
-    Status handSceneParameters(IBsMediaAnalysisTask& task);
-    Status handKeyFrameParameters(IBsMediaAnalysisTask& task);
+    Status handScenceParameters(IBsMediaAnalysisTask& task);
+    Status launch(IBsMediaAnalysisTask& task, Status prepared, const LogSource& source,
+                  const char* text);
 
     // The run.
     Status onTaskFinished();
     Status takeInFinishedTask();
     void advanceToNextTask();
+    void selectMaterial();
+    bool selectPhotoTask();
     Status startCurrentTask();
+    void onTaskFinishedEvent();
     void forwardProgress(const void* payload);
-    std::int32_t overallProgressAt(std::int32_t taskPercent);
+    std::int32_t overallProgressAt(std::int32_t taskPercent) const;
     void moveToMaterial(std::int32_t index);
+    bool isBeyondLastMaterial() const;
+    std::int32_t lastTaskIndex() const;
+    std::int32_t currentKind() const;
     IDmBaseMedia* currentMaterial() const;
     IBsMediaAnalysisTask* currentTask() const;
 
@@ -100,6 +108,9 @@ private:
     Status keyFrameDetectFinished(IBsMediaAnalysisTask* task);
     Status keyFrameDetectFinishedInternal(IBsMediaAnalysisTask* task);
     Status scenceAndKeyframeDetectFinished(IBsMediaAnalysisTask* task);
+    std::vector<KeyFrameScore> keyFramesOfScence(IBsMediaAnalysisTask& task, std::size_t scence,
+                                                 std::int64_t& cursor) const;
+    void logScencesWithKeyFrames() const;
 
     // The auto-trim result.
     Status rankScenceScores();

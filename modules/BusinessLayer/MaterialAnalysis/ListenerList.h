@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
+#include <list>
 #include <memory>
 
 #include "host/tasks.h"
@@ -11,9 +13,11 @@ namespace KOR {
 ///
 /// A listener may, while it is told, add and remove listeners, cause further events, or end the
 /// list itself: a removed one is not called any more, an added one hears from the next event on.
+/// Once the last listener has been called a notification touches the list no more, so another
+/// thread that this listener woke may change or end it at once.
 class ListenerList {
 public:
-    ListenerList();
+    ListenerList() = default;
 
     /// Nobody is called any more, not even by a notification that is under way.
     ~ListenerList();
@@ -28,13 +32,13 @@ public:
     void remove(const IKorCallBack& listener);
 
     /// Tells everyone of an event of taskEventCategory. The list may be gone when this returns.
-    void notify(IDmBaseObj& sender, std::uint32_t event, void* payload);
+    void notify(IDmBaseObj& sender, std::uint32_t event, void* payload) const;
 
 private:
-    struct Entries;
+    /// Shared with the notifications under way; null once it is removed.
+    using Entry = std::shared_ptr<std::atomic<IKorCallBack*>>;
 
-    /// Shared with the notifications under way, which outlive the list when a listener ends it.
-    std::shared_ptr<Entries> entries_;
+    std::list<Entry> entries_;
 };
 
 }  // namespace KOR

@@ -1,0 +1,30 @@
+#include "modules/BusinessLayer/MaterialAnalysis/LogLine.h"
+
+#include <locale>
+#include <string>
+
+namespace KOR {
+
+namespace {
+
+/// The component speaks as one unit, whichever of its sources a line comes from.
+constexpr const char* sourceUnit = "modules/BusinessLayer/MaterialAnalysis/KorMaterialAnalysis";
+
+}  // namespace
+
+LogLine::LogLine(const LogSource& source) {
+    KorLoggerWrapper* const logger = loggerWrapper(0);
+    if (logger == nullptr || !logger->testSeverity(IBsLogger::info)) return;
+    stream_ =
+        logger->createLogStream(IBsLogger::info, sourceUnit, source.line, source.function, "");
+    text_.imbue(std::locale::classic());
+}
+
+LogLine::~LogLine() {
+    if (stream_ == nullptr) return;
+    const std::string text = std::move(text_).str();
+    stream_->write(text.data(), text.size());
+    stream_->close();
+}
+
+}  // namespace KOR
