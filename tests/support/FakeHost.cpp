@@ -77,6 +77,11 @@ std::vector<LogLine> FakeHost::logLines() const {
     return logLines_;
 }
 
+bool FakeHost::nextMakingFails(Product product) {
+    const std::lock_guard lock(mutex_);
+    return faults.nextMakingFails(product);
+}
+
 FakeTask& FakeHost::task(std::size_t number) const {
     const std::lock_guard lock(mutex_);
     FakeTask* const task = tasks_.at(number);

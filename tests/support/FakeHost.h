@@ -49,7 +49,9 @@ public:
     /// Lets every append to a list of this kind fail, lists that exist already included.
     void failAppends(Product list);
 
+    /// Not for two threads at a time: see FakeHost::nextMakingFails.
     bool nextMakingFails(Product product);
+
     bool appendsFail(Product list) const;
 
     bool loggerAbsent = false;
@@ -59,10 +61,10 @@ public:
 
 private:
     struct OfProduct {
-        int made = 0;
         std::set<int> failing;
         bool allFail = false;
         bool appendsFail = false;
+        int made = 0;
     };
 
     std::array<OfProduct, 5> products_;
@@ -87,7 +89,10 @@ public:
     void addLogLine(LogLine line);
     std::vector<LogLine> logLines() const;
 
-    /// The tasks made since reset(), in order; null for those that are gone.
+    /// Counts one more making of `product` and says whether it is to fail.
+    bool nextMakingFails(Product product);
+
+    /// The `number`th task made since reset(), which must still live.
     FakeTask& task(std::size_t number) const;
     std::size_t taskCount() const;
     std::size_t enrol(FakeTask& task);

@@ -4,7 +4,7 @@ namespace {
 
 template <typename Element>
 KOR::IKORList<Element>* makeList(fake_host::Product kind) {
-    if (fake_host::host().faults.nextMakingFails(kind)) return nullptr;
+    if (fake_host::host().nextMakingFails(kind)) return nullptr;
     return new fake_host::FakeList<Element>(kind);
 }
 

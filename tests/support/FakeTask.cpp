@@ -266,6 +266,6 @@ KOR::IKorBaseTask* createMediaAnalysisTask(KOR::IKORIntList* types) {
     if (host().recording) {
         host().note("createMediaAnalysisTask(" + fake_host::joined(codes) + ")");
     }
-    if (host().faults.nextMakingFails(fake_host::Product::task)) return nullptr;
+    if (host().nextMakingFails(fake_host::Product::task)) return nullptr;
     return new fake_host::FakeTask(std::move(codes));
 }
