@@ -8,23 +8,10 @@
 
 namespace fake_host {
 
-using Lines = std::vector<std::string>;
-
 /// A component with one listener.
 class RunTest : public ComponentTest {
 protected:
     RunTest() { component().addCallBack(&listener); }
-
-    /// What happened since the last call, with this test's directory called "<dir>".
-    Lines journal() {
-        const std::string directory = host().directory().string();
-        Lines lines = host().takeJournal();
-        for (std::string& line : lines) {
-            const std::size_t at = line.find(directory);
-            if (at != std::string::npos) line.replace(at, directory.size(), "<dir>");
-        }
-        return lines;
-    }
 
     /// Which task was started on what since the last call of journal(), as "task0 clip.mp4".
     Lines starts() {

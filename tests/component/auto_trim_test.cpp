@@ -11,7 +11,6 @@
 namespace fake_host {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Scores = std::vector<KOR::KeyFrameScore>;
 using KeyFrames = std::vector<std::vector<KOR::KeyFrameScore>>;
 
@@ -228,7 +227,9 @@ using ClosingLog = ComponentTest;
 
 TEST_F(ClosingLog, WithoutRecordsHasItsHeadOnly) {
     EXPECT_EQ(probe().finishedAllAnalysis(), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(), Lines{"log finishedAllAnalysis: auto trim result: \\n"});
+    EXPECT_EQ(trace(), R"(
+log finishedAllAnalysis: "auto trim result: \n"
+)");
 }
 
 TEST_F(ClosingLog, PrintsEveryRecord) {
@@ -240,25 +241,23 @@ TEST_F(ClosingLog, PrintsEveryRecord) {
     probe().addDefaultResult(0);
     host().takeJournal();
     EXPECT_EQ(probe().finishedAllAnalysis(), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"log finishedAllAnalysis: auto trim result: \\n",
-               "log finishedAllAnalysis: fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 100 "
-               "socre: 1.23457e+06 face rect: {0000} \\n",
-               "log finishedAllAnalysis: fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 101 "
-               "socre: 0.0303 face rect: {0000} \\n",
-               "log finishedAllAnalysis: fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 102 "
-               "socre: 0.123457 face rect: {0000} \\n",
-               "log finishedAllAnalysis: fileName: clip.mp4 begin: 0 end: 1000 keyframe pos: 500 "
-               "socre: 1 face rect: {0000} \\n"}));
+    EXPECT_EQ(trace(), R"(
+log finishedAllAnalysis: "auto trim result: \n"
+log finishedAllAnalysis: "fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 100 socre: 1.23457e+06 face rect: {0000} \n"
+log finishedAllAnalysis: "fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 101 socre: 0.0303 face rect: {0000} \n"
+log finishedAllAnalysis: "fileName: clip.mp4 begin: -7 end: 300 keyframe pos: 102 socre: 0.123457 face rect: {0000} \n"
+log finishedAllAnalysis: "fileName: clip.mp4 begin: 0 end: 1000 keyframe pos: 500 socre: 1 face rect: {0000} \n"
+)");
 }
 
 TEST_F(ClosingLog, ComesBeforeTheNotification) {
     RecordingListener listener;
     component().addCallBack(&listener);
     probe().finishedAllAnalysis();
-    EXPECT_EQ(host().takeJournal(), (Lines{"log finishedAllAnalysis: auto trim result: \\n",
-                                           "listener: event 2, 100"}));
+    EXPECT_EQ(trace(), R"(
+log finishedAllAnalysis: "auto trim result: \n"
+listener: event 2, 100
+)");
 }
 
 TEST_F(ClosingLog, PrintsRecordsOfRemovedMaterials) {
@@ -267,9 +266,8 @@ TEST_F(ClosingLog, PrintsRecordsOfRemovedMaterials) {
     component().removeMaterialAt(0);
     host().takeJournal();
     probe().finishedAllAnalysis();
-    EXPECT_EQ(host().takeJournal().at(1),
-              "log finishedAllAnalysis: fileName: photo.jpg begin: 0 end: 1 keyframe pos: 0 socre: "
-              "1 face rect: {0000} \\n");
+    EXPECT_EQ(logTexts().back(),
+              "fileName: photo.jpg begin: 0 end: 1 keyframe pos: 0 socre: 1 face rect: {0000} \n");
 }
 
 }  // namespace

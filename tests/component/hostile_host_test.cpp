@@ -100,7 +100,8 @@ TEST_F(HostileHost, ThatFinishesAfterTheEndReadsNothingOutside) {
     task(1).finish();
     task(1).finish();
     EXPECT_EQ(probe().results().size(), records);
-    for (const std::uint32_t event : listener.events()) EXPECT_EQ(event, 2U);
+    for (const std::uint32_t event : listener.events())
+        EXPECT_EQ(event, 2U);
 }
 
 TEST_F(HostileHost, ThatReportsBeforeAnyStartGetsAnAnswer) {

@@ -1,5 +1,3 @@
-#include <dlfcn.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -7,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"

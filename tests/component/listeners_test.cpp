@@ -58,10 +58,10 @@ INSTANTIATE_TEST_SUITE_P(Event, InEveryNotification, testing::Values(1U, 2U, 3U,
 TEST_P(InEveryNotification, ListenersAreToldInOrder) {
     notify();
     EXPECT_EQ(first.events(), Events{GetParam()});
-    const Lines journal = host().takeJournal();
-    ASSERT_GE(journal.size(), 2U);
-    EXPECT_EQ(journal[journal.size() - 2].substr(0, 6), "first:");
-    EXPECT_EQ(journal[journal.size() - 1].substr(0, 5), "last:");
+    const Lines lines = journal();
+    ASSERT_GE(lines.size(), 2U);
+    EXPECT_EQ(lines[lines.size() - 2].substr(0, 6), "first:");
+    EXPECT_EQ(lines[lines.size() - 1].substr(0, 5), "last:");
 }
 
 TEST_P(InEveryNotification, NoExtraReferenceShows) {
@@ -150,7 +150,8 @@ TEST_P(InEveryNotification, ManyListenersMayBeAdded) {
     notify();
     EXPECT_EQ(last.events(), Events{GetParam()});
     notifyAgain();
-    for (const auto& one : many) EXPECT_EQ(one->events(), Events{3});
+    for (const auto& one : many)
+        EXPECT_EQ(one->events(), Events{3});
 }
 
 TEST_P(InEveryNotification, ListenerMayStop) {
@@ -290,7 +291,8 @@ TEST_F(Listeners, MayReleaseInsideTasksThatFinishInTheirStart) {
 
 TEST_F(Listeners, MayReleaseBeyondTheNestedLevels) {
     host().tasksFinishInsideStart = true;
-    for (int i = 0; i < 60; ++i) insert(video("a.mp4", 100 * second));
+    for (int i = 0; i < 60; ++i)
+        insert(video("a.mp4", 100 * second));
     useKinds({4, 3});
     listener.onEvent = [&](std::uint32_t) { releaseComponent(); };
     component().start();

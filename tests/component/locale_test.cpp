@@ -30,7 +30,8 @@ protected:
     /// Everything that a run with many digits says and writes.
     Lines traceOfARun() {
         component().clearMaterials();
-        for (int i = 0; i < 1200; ++i) insert(photo("photo.jpg"));
+        for (int i = 0; i < 1200; ++i)
+            insert(photo("photo.jpg"));
         insert(video("clip.mp4", 1000000000).keyFrames({123456789}).cacheIn(host().directory()));
         setThreshold(1234.5);
         host().takeJournal();

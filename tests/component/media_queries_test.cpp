@@ -77,7 +77,8 @@ TEST_F(MediaQueries, SequenceTypeIsTimeBased) {
 }
 
 TEST_F(MediaQueries, EveryOtherTypeIsStill) {
-    for (const std::uint32_t code : {0U, 1U, 3U, 4U, 9U, 10U, 16U, 0x40002U, 0x80000U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t code :
+         {0U, 1U, 3U, 4U, 9U, 10U, 16U, 0x40002U, 0x80000U, 0xFFFFFFFFU}) {
         insert(video("some", 100 * second).typeCode(code));
     }
     useKinds({4, 3});

@@ -200,7 +200,7 @@ TEST_F(ObjectIdentity, DestructionNotifiesNoListenerAndStopsNoTask) {
     component().start();
     host().takeJournal();
     releaseComponent();
-    EXPECT_EQ(host().takeJournal(), std::vector<std::string>());
+    EXPECT_EQ(journal(), Lines());
     EXPECT_TRUE(listener.heard().empty());
     EXPECT_EQ(host().live.tasks, 0);
 }

@@ -40,9 +40,7 @@ public:
     KOR::IKorMaterialAnalysis& component() { return *component_; }
     KOR::ComponentProbe probe() { return KOR::ComponentProbe(*component_); }
 
-    FakeMedia& make(const MediaSpec& spec) {
-        return *materials_.emplace_back(new FakeMedia(spec));
-    }
+    FakeMedia& make(const MediaSpec& spec) { return *materials_.emplace_back(new FakeMedia(spec)); }
     FakeMedia& insert(const MediaSpec& spec) {
         FakeMedia& material = make(spec);
         const auto end = static_cast<std::int32_t>(probe().materials().size());
@@ -60,13 +58,14 @@ private:
 
 RC_GTEST_PROP(ProgressProperty, StaysBetweenZeroAndOneHundred, ()) {
     Case run;
-    const auto durations = *rc::gen::nonEmpty(
-        rc::gen::container<std::vector<std::int64_t>>(rc::gen::inRange<std::int64_t>(1, 1LL << 50)));
+    const auto durations = *rc::gen::nonEmpty(rc::gen::container<std::vector<std::int64_t>>(
+        rc::gen::inRange<std::int64_t>(1, 1LL << 50)));
     const int tasks = *rc::gen::inRange(1, 8);
     const auto material = *rc::gen::inRange<std::size_t>(0, durations.size());
     const int task = *rc::gen::inRange(0, tasks);
     const int percent = *rc::gen::inRange(0, 101);
-    for (const std::int64_t duration : durations) run.insert(video("clip.mp4", duration));
+    for (const std::int64_t duration : durations)
+        run.insert(video("clip.mp4", duration));
     run.useKinds(std::vector<std::int32_t>(static_cast<std::size_t>(tasks), 4));
     run.probe().moveTo(static_cast<std::int32_t>(material), task);
     const std::int32_t progress = run.probe().overallProgressAt(percent);
@@ -76,15 +75,17 @@ RC_GTEST_PROP(ProgressProperty, StaysBetweenZeroAndOneHundred, ()) {
 
 RC_GTEST_PROP(ProgressProperty, NeverFallsOverAWholeRun, ()) {
     Case run;
-    const auto seconds = *rc::gen::resize(
-        6, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 100)));
-    for (const int length : seconds) run.insert(video("clip.mp4", length * second));
+    const auto seconds =
+        *rc::gen::resize(6, rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 100)));
+    for (const int length : seconds)
+        run.insert(video("clip.mp4", length * second));
     run.useKinds({4, 3});
     RecordingListener listener;
     run.component().addCallBack(&listener);
     run.component().start();
     while (FakeTask* const running = host().runningTask()) {
-        for (const int percent : {0, 30, 60, 100}) running->progress(percent);
+        for (const int percent : {0, 30, 60, 100})
+            running->progress(percent);
         running->finish();
     }
     std::int32_t before = 0;
@@ -104,8 +105,8 @@ struct Footage {
 
 Footage someFootage() {
     Footage footage{{}, {}, 1000};
-    const auto steps = *rc::gen::container<std::vector<std::int64_t>>(
-        rc::gen::inRange<std::int64_t>(0, 40));
+    const auto steps =
+        *rc::gen::container<std::vector<std::int64_t>>(rc::gen::inRange<std::int64_t>(0, 40));
     std::int64_t at = 0;
     for (std::size_t i = 0; i + 1 < steps.size(); i += 2) {
         const std::int64_t begin = at + steps[i];
@@ -168,21 +169,23 @@ RC_GTEST_PROP(KeyFrameProperty, WalkKeepsItsCursorInDisorder, ()) {
     Case run;
     const auto bounds = *rc::gen::container<std::vector<std::pair<int, int>>>(
         rc::gen::pair(rc::gen::inRange(-20, 100), rc::gen::inRange(-20, 100)));
-    const auto keyFrames = *rc::gen::container<std::vector<std::int64_t>>(
-        rc::gen::inRange<std::int64_t>(-30, 110));
+    const auto keyFrames =
+        *rc::gen::container<std::vector<std::int64_t>>(rc::gen::inRange<std::int64_t>(-30, 110));
     FakeMedia& material = run.insert(video("clip.mp4", 100).keyFrames(keyFrames));
     run.useKinds({3});
     host().task(0).setSource(&material, 0, 0);
     run.probe().moveTo(0, 0);
     // A walk that stops at a keyframe at or past the end examines it for the next scene first.
     std::vector<KOR::ScenceRange> scenes;
-    for (const auto& [begin, end] : bounds) scenes.push_back({begin, std::max(begin, end)});
+    for (const auto& [begin, end] : bounds)
+        scenes.push_back({begin, std::max(begin, end)});
     run.probe().scenceRanges() = scenes;
     run.probe().keyFrameDetectFinishedInternal(&host().task(0));
     std::vector<std::vector<std::int64_t>> taken;
     for (const auto& scene : run.probe().keyFramesOfScences()) {
         taken.emplace_back();
-        for (const auto& keyFrame : scene) taken.back().push_back(keyFrame.pos);
+        for (const auto& keyFrame : scene)
+            taken.back().push_back(keyFrame.pos);
     }
     RC_ASSERT(taken == walkedNaively(scenes, keyFrames));
 }
@@ -213,12 +216,14 @@ RC_GTEST_PROP(RankingProperty, EqualsSortingEverything, ()) {
     RC_ASSERT(std::is_sorted(ranked.begin(), ranked.end(),
                              [](const auto& a, const auto& b) { return a.pos < b.pos; }));
     std::size_t scenesWithKeyFrames = 0;
-    for (const auto& scene : keyFrames) scenesWithKeyFrames += scene.empty() ? 0 : 1;
+    for (const auto& scene : keyFrames)
+        scenesWithKeyFrames += scene.empty() ? 0 : 1;
     RC_ASSERT(ranked.size() == scenesWithKeyFrames);
     for (const auto& best : ranked) {
         const auto& scene = keyFrames[static_cast<std::size_t>(best.scenceIndex)];
         RC_ASSERT(std::count(scene.begin(), scene.end(), best) == 1);
-        for (const auto& other : scene) RC_ASSERT(other.score <= best.score);
+        for (const auto& other : scene)
+            RC_ASSERT(other.score <= best.score);
     }
 }
 
@@ -231,7 +236,11 @@ double anyFiniteDouble() {
 
 KOR::MaterialAnalysisResult anyRecord() {
     const auto time = rc::gen::arbitrary<std::int64_t>();
-    return {anyFiniteDouble(), *time, *time, *time, nullptr,
+    return {anyFiniteDouble(),
+            *time,
+            *time,
+            *time,
+            nullptr,
             {*rc::gen::inRange(-9, 9) * 0.125, 0.25, 0.5, *rc::gen::inRange(0, 9) * 0.125}};
 }
 
@@ -239,13 +248,15 @@ RC_GTEST_PROP(ResultFileProperty, ReadsBackToTheSameValues, ()) {
     Case run;
     const auto kinds = *rc::gen::arbitrary<std::vector<std::int32_t>>();
     std::vector<KOR::MaterialAnalysisResult> records;
-    for (int i = *rc::gen::inRange(0, 6); i > 0; --i) records.push_back(anyRecord());
+    for (int i = *rc::gen::inRange(0, 6); i > 0; --i)
+        records.push_back(anyRecord());
     run.probe().setAnalysisKindsOnly(kinds);
     run.probe().minScenceDuration() = *rc::gen::arbitrary<std::int64_t>();
     run.probe().scenceDetectionThreshold() = anyFiniteDouble();
     FakeMedia& material = run.make(video("clip.mp4", 1).cacheIn(host().directory()));
     std::vector<const KOR::MaterialAnalysisResult*> pointers;
-    for (const auto& one : records) pointers.push_back(&one);
+    for (const auto& one : records)
+        pointers.push_back(&one);
     RC_ASSERT(run.probe().saveMaterialAnalysisResult(&material, pointers));
 
     const auto root = nlohmann::ordered_json::parse(
@@ -278,9 +289,8 @@ using Model = std::vector<KOR::IDmBaseMedia*>;
 
 /// One step on the component's materials and on a plain vector that must end up the same.
 void insertInto(Case& run, Model& model, const std::vector<FakeMedia*>& pool) {
-    const auto picks = *rc::gen::resize(
-        5, rc::gen::container<std::vector<std::size_t>>(
-               rc::gen::inRange<std::size_t>(0, pool.size() + 1)));
+    const auto picks = *rc::gen::resize(5, rc::gen::container<std::vector<std::size_t>>(
+                                               rc::gen::inRange<std::size_t>(0, pool.size() + 1)));
     const auto position = *rc::gen::inRange<std::int32_t>(-3, 12);
     std::vector<FakeMedia*> elements;
     for (const std::size_t pick : picks) {
@@ -296,9 +306,8 @@ void insertInto(Case& run, Model& model, const std::vector<FakeMedia*>& pool) {
 }
 
 void removeFrom(Case& run, Model& model, const std::vector<FakeMedia*>& pool) {
-    const auto picks = *rc::gen::resize(
-        5, rc::gen::container<std::vector<std::size_t>>(
-               rc::gen::inRange<std::size_t>(0, pool.size() + 1)));
+    const auto picks = *rc::gen::resize(5, rc::gen::container<std::vector<std::size_t>>(
+                                               rc::gen::inRange<std::size_t>(0, pool.size() + 1)));
     std::vector<FakeMedia*> elements;
     for (const std::size_t pick : picks) {
         elements.push_back(pick == pool.size() ? nullptr : pool[pick]);
@@ -316,7 +325,8 @@ void removeFrom(Case& run, Model& model, const std::vector<FakeMedia*>& pool) {
 RC_GTEST_PROP(MaterialsProperty, FollowAPlainVector, ()) {
     Case run;
     std::vector<FakeMedia*> pool;
-    for (const char* const name : {"a", "b", "c"}) pool.push_back(&run.make(photo(name)));
+    for (const char* const name : {"a", "b", "c"})
+        pool.push_back(&run.make(photo(name)));
     Model model;
     const int steps = *rc::gen::inRange(1, 12);
     for (int i = 0; i < steps; ++i) {

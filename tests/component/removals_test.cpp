@@ -24,7 +24,8 @@ protected:
     }
 
     void finishTasks(int count) {
-        for (int i = 0; i < count; ++i) host().runningTask()->finish();
+        for (int i = 0; i < count; ++i)
+            host().runningTask()->finish();
     }
 };
 
@@ -112,7 +113,8 @@ TEST_F(RemovalsMidRun, OfAPhotoUnderFaceAnalysisEndTheRun) {
     ASSERT_TRUE(task(1).running());
     component().clearMaterials();
     journal();
-    while (FakeTask* const running = host().runningTask()) running->finish();
+    while (FakeTask* const running = host().runningTask())
+        running->finish();
     EXPECT_EQ(listener.events().back(), 2U);
 }
 

@@ -14,8 +14,6 @@
 namespace fake_host {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 KOR::MaterialAnalysisResult record(double score, std::int64_t begin, std::int64_t end,
                                    std::int64_t best, KOR::KorRect face = {}) {
     return {score, begin, end, best, nullptr, face};
@@ -25,13 +23,12 @@ class ResultFile : public ComponentTest {
 protected:
     FakeMedia& material = make(video("clip.mp4", 1000).cacheIn(host().directory()));
 
-    std::filesystem::path file() const {
-        return host().directory() / "analysis" / "result.json";
-    }
+    std::filesystem::path file() const { return host().directory() / "analysis" / "result.json"; }
 
     bool save(const std::vector<KOR::MaterialAnalysisResult>& records) {
         std::vector<const KOR::MaterialAnalysisResult*> pointers;
-        for (const auto& one : records) pointers.push_back(&one);
+        for (const auto& one : records)
+            pointers.push_back(&one);
         return probe().saveMaterialAnalysisResult(&material, pointers);
     }
 
@@ -44,9 +41,9 @@ protected:
 
 TEST_F(ResultFile, HoldsEveryMemberInItsPlace) {
     probe().setAnalysisKindsOnly({4, 3, 1, 5});
-    EXPECT_EQ(saved({record(0.5, 0, 30000000, 10000000, {10, 20.5, 100, 200.25}),
-                     record(1.0, -5, 5, 0)}),
-              R"({
+    EXPECT_EQ(
+        saved({record(0.5, 0, 30000000, 10000000, {10, 20.5, 100, 200.25}), record(1.0, -5, 5, 0)}),
+        R"({
     "version": "1.0.0.1",
     "analysisTypes": "4,3,1,5",
     "minScenceDuration": 2,
@@ -145,8 +142,8 @@ TEST_F(ResultFile, PrintsTheLongestFaces) {
 TEST_F(ResultFile, MakesTheMissingDirectories) {
     material.spec.cacheIn(host().directory() / "deep" / "down");
     EXPECT_TRUE(save({}));
-    EXPECT_TRUE(std::filesystem::is_regular_file(host().directory() /
-                                                 "deep/down/analysis/result.json"));
+    EXPECT_TRUE(
+        std::filesystem::is_regular_file(host().directory() / "deep/down/analysis/result.json"));
 }
 
 TEST_F(ResultFile, ReplacesALongerFileCompletely) {
@@ -158,16 +155,17 @@ TEST_F(ResultFile, ReplacesALongerFileCompletely) {
 
 TEST_F(ResultFile, LogsItsPath) {
     save({});
-    EXPECT_EQ(host().takeJournal(), Lines{"log saveMaterialAnalysisResult: write "
-                                          "analysisCachePath: " +
-                                          file().string()});
+    EXPECT_EQ(trace(), R"(
+log saveMaterialAnalysisResult: "write analysisCachePath: <dir>/analysis/result.json"
+)");
 }
 
 TEST_F(ResultFile, WithoutAMediaCacheIsNotWritten) {
     material.spec.mediaCache.clear();
     EXPECT_FALSE(save({}));
-    EXPECT_EQ(host().takeJournal(),
-              Lines{"log saveMaterialAnalysisResult: mediaCache path is empty"});
+    EXPECT_EQ(trace(), R"(
+log saveMaterialAnalysisResult: "mediaCache path is empty"
+)");
 }
 
 TEST_F(ResultFile, OfNoMediaIsRefusedSilently) {

@@ -10,7 +10,6 @@
 namespace fake_host {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Ranges = std::vector<KOR::ScenceRange>;
 using KeyFrames = std::vector<std::vector<KOR::KeyFrameScore>>;
 
@@ -46,7 +45,8 @@ protected:
         std::vector<std::vector<std::int64_t>> positions;
         for (const auto& scene : walked(scenes, keyFrames)) {
             positions.emplace_back();
-            for (const auto& keyFrame : scene) positions.back().push_back(keyFrame.pos);
+            for (const auto& keyFrame : scene)
+                positions.back().push_back(keyFrame.pos);
         }
         return positions;
     }
@@ -96,7 +96,8 @@ TEST_F(SceneIntake, NegativeMinimumKeepsReversedScenes) {
 TEST_F(SceneIntake, ExtremeBoundsDoNotOverflow) {
     constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
     constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
-    EXPECT_EQ(scenesKept({{0, highest}, {lowest, highest}}).front(), (KOR::ScenceRange{0, highest}));
+    EXPECT_EQ(scenesKept({{0, highest}, {lowest, highest}}).front(),
+              (KOR::ScenceRange{0, highest}));
 }
 
 TEST_F(SceneIntake, ReplacesTheScenesBefore) {
@@ -118,9 +119,10 @@ TEST_F(SceneIntake, FallbackAsksTheMediaForItsOwnDuration) {
 TEST_F(SceneIntake, LogsItsFinish) {
     FakeTask& finished = found(video("clip.mp4", 50 * second));
     probe().scenceDetectFinished(&finished);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.getResultList(1, 0, list, 0)",
-                     "log scenceDetectFinished: ----Finish Scence Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.getResultList(1, 0, list, 0)
+log scenceDetectFinished: "----Finish Scence Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(SceneIntake, NullTaskFailsKeepsScenesAndLogs) {
@@ -136,9 +138,10 @@ TEST_F(SceneIntake, MissingListStillAsksAndFallsBack) {
     host().faults.failEveryMaking(Product::owningList);
     EXPECT_EQ(probe().scenceDetectFinished(&finished), KOR::statusOk);
     EXPECT_EQ(probe().scenceRanges(), (Ranges{{0, 50 * second}}));
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.getResultList(1, 0, null, 0)",
-                     "log scenceDetectFinished: ----Finish Scence Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.getResultList(1, 0, null, 0)
+log scenceDetectFinished: "----Finish Scence Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(SceneIntake, FailedQueryCountsAsNoScenes) {
@@ -164,19 +167,21 @@ TEST_F(DurationScore, OfASceneAsLongAsTheMaterial) {
 
 TEST_F(DurationScore, LogsTheFirstScoreOfEachScene) {
     walked({{0, 100}, {100, 300}}, {50, 60, 150});
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"log keyFrameDetectFinishedInternal: duration score result: {",
-                     "task0.getResultList(9, 0, list, 0)",
-                     "log keyFrameDetectFinishedInternal: [0:0.030300]",
-                     "log keyFrameDetectFinishedInternal: [1:0.060300]",
-                     "log keyFrameDetectFinishedInternal: }\\n"}));
+    EXPECT_EQ(trace(), R"(
+log keyFrameDetectFinishedInternal: "duration score result: {"
+task0.getResultList(9, 0, list, 0)
+log keyFrameDetectFinishedInternal: "[0:0.030300]"
+log keyFrameDetectFinishedInternal: "[1:0.060300]"
+log keyFrameDetectFinishedInternal: "}\n"
+)");
 }
 
 TEST_F(DurationScore, NoScenesAskForNothing) {
     EXPECT_EQ(walked({}, {50}), KeyFrames());
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"log keyFrameDetectFinishedInternal: duration score result: {",
-                     "log keyFrameDetectFinishedInternal: }\\n"}));
+    EXPECT_EQ(trace(), R"(
+log keyFrameDetectFinishedInternal: "duration score result: {"
+log keyFrameDetectFinishedInternal: "}\n"
+)");
 }
 
 TEST_F(DurationScore, NoKeyFramesLeaveAnEmptyListPerScene) {
@@ -266,12 +271,13 @@ TEST_F(KeyFrameFinish, LogsAfterTheScores) {
     FakeTask& finished = found(video("clip.mp4", 1000).keyFrames({50}));
     probe().scenceRanges() = {{0, 100}};
     EXPECT_EQ(probe().keyFrameDetectFinished(&finished), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"log keyFrameDetectFinishedInternal: duration score result: {",
-                     "task0.getResultList(9, 0, list, 0)",
-                     "log keyFrameDetectFinishedInternal: [0:0.030300]",
-                     "log keyFrameDetectFinishedInternal: }\\n",
-                     "log keyFrameDetectFinished: ----Finish Keyframe Extract---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+log keyFrameDetectFinishedInternal: "duration score result: {"
+task0.getResultList(9, 0, list, 0)
+log keyFrameDetectFinishedInternal: "[0:0.030300]"
+log keyFrameDetectFinishedInternal: "}\n"
+log keyFrameDetectFinished: "----Finish Keyframe Extract---素材idx: 0\n"
+)");
 }
 
 TEST_F(KeyFrameFinish, NullTaskFailsAndLogsTheFinishOnly) {
@@ -287,23 +293,20 @@ TEST_F(CombinedFinish, TakesInBothAndLogsEveryScene) {
                                    .scenes({{0, 30000000}, {30000000, 52000000}})
                                    .keyFrames({10000000, 20000000, 40000000}));
     EXPECT_EQ(probe().scenceAndKeyframeDetectFinished(&finished), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"task0.getResultList(1, 0, list, 0)",
-               "log scenceDetectFinished: ----Finish Scence Detect---素材idx: 0\\n",
-               "log keyFrameDetectFinishedInternal: duration score result: {",
-               "task0.getResultList(9, 0, list, 0)",
-               "log keyFrameDetectFinishedInternal: [0:0.173077]",
-               "log keyFrameDetectFinishedInternal: [1:0.126923]",
-               "log keyFrameDetectFinishedInternal: }\\n",
-               "log keyFrameDetectFinished: ----Finish Keyframe Extract---素材idx: 0\\n",
-               "log scenceAndKeyframeDetectFinished: ----Finish Scence Detect and keyframe "
-               "extract---素材idx: 0\\n",
-               "log scenceAndKeyframeDetectFinished: fileName detect result: clip.mp4",
-               "log scenceAndKeyframeDetectFinished: scence [0,30000000) key frame position: { "
-               "10000000,20000000 } \\n ",
-               "log scenceAndKeyframeDetectFinished: scence [30000000,52000000) key frame "
-               "position: { 40000000 } \\n "}));
+    EXPECT_EQ(trace(), R"(
+task0.getResultList(1, 0, list, 0)
+log scenceDetectFinished: "----Finish Scence Detect---素材idx: 0\n"
+log keyFrameDetectFinishedInternal: "duration score result: {"
+task0.getResultList(9, 0, list, 0)
+log keyFrameDetectFinishedInternal: "[0:0.173077]"
+log keyFrameDetectFinishedInternal: "[1:0.126923]"
+log keyFrameDetectFinishedInternal: "}\n"
+log keyFrameDetectFinished: "----Finish Keyframe Extract---素材idx: 0\n"
+log scenceAndKeyframeDetectFinished: "----Finish Scence Detect and keyframe extract---素材idx: 0\n"
+log scenceAndKeyframeDetectFinished: "fileName detect result: clip.mp4"
+log scenceAndKeyframeDetectFinished: "scence [0,30000000) key frame position: { 10000000,20000000 } \n "
+log scenceAndKeyframeDetectFinished: "scence [30000000,52000000) key frame position: { 40000000 } \n "
+)");
 }
 
 TEST_F(CombinedFinish, SceneWithoutKeyFramesPrintsEmptyBraces) {

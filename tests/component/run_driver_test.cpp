@@ -19,8 +19,10 @@ TEST_F(RunDriver, WithoutMaterialsEndsAtOnce) {
     useKinds({4, 3});
     host().takeJournal();
     EXPECT_EQ(component().start(), KOR::statusOk);
-    EXPECT_EQ(journal(),
-              (Lines{"log finishedAllAnalysis: auto trim result: \\n", "listener: event 2, 100"}));
+    EXPECT_EQ(trace(), R"(
+log finishedAllAnalysis: "auto trim result: \n"
+listener: event 2, 100
+)");
 }
 
 TEST_F(RunDriver, EndCarriesAZeroedBlockWithOneHundred) {
@@ -418,7 +420,8 @@ TEST_F(Events3And4, AreForwardedWithoutAPayload) {
 
 TEST_F(Events3And4, OtherEventsAreIgnored) {
     KOR::TaskEventPayload payload{};
-    for (const std::uint32_t event : {0U, 5U, 6U, 0xFFFFFFFFU}) task(0).send(1, event, &payload);
+    for (const std::uint32_t event : {0U, 5U, 6U, 0xFFFFFFFFU})
+        task(0).send(1, event, &payload);
     EXPECT_TRUE(listener.heard().empty());
     EXPECT_FALSE(task(1).running());
 }
@@ -426,7 +429,8 @@ TEST_F(Events3And4, OtherEventsAreIgnored) {
 TEST_F(Events3And4, OtherCategoriesAreIgnored) {
     KOR::TaskEventPayload payload{};
     for (const std::uint32_t category : {0U, 2U, 0xFFFFFFFFU}) {
-        for (const std::uint32_t event : {1U, 2U, 3U, 4U}) task(0).send(category, event, &payload);
+        for (const std::uint32_t event : {1U, 2U, 3U, 4U})
+            task(0).send(category, event, &payload);
     }
     EXPECT_TRUE(listener.heard().empty());
     EXPECT_FALSE(task(1).running());
@@ -445,13 +449,19 @@ protected:
 
 TEST_F(Stopping, StopsEveryTaskInOrderWithoutAnEvent) {
     EXPECT_EQ(component().stop(), KOR::statusOk);
-    EXPECT_EQ(journal(), (Lines{"task0.stop", "task1.stop"}));
+    EXPECT_EQ(trace(), R"(
+task0.stop
+task1.stop
+)");
 }
 
 TEST_F(Stopping, StopsTheOtherTasksWhenOneFails) {
     task(0).answer("stop", KOR::statusFailed);
     EXPECT_EQ(component().stop(), KOR::statusOk);
-    EXPECT_EQ(journal(), (Lines{"task0.stop", "task1.stop"}));
+    EXPECT_EQ(trace(), R"(
+task0.stop
+task1.stop
+)");
 }
 
 TEST_F(Stopping, LaterFinishDoesNothing) {

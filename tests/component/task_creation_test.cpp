@@ -9,7 +9,6 @@
 namespace fake_host {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Kinds = std::vector<std::int32_t>;
 
 using TaskCreation = ComponentTest;
@@ -20,26 +19,37 @@ TEST_F(TaskCreation, NullListIsRefused) {
 
 TEST_F(TaskCreation, EmptyListMakesNothing) {
     useKinds({});
-    EXPECT_EQ(host().takeJournal(), Lines());
+    EXPECT_EQ(journal(), Lines());
     EXPECT_EQ(probe().analysisKinds(), Kinds());
 }
 
 TEST_F(TaskCreation, EachKindAsksForItsTaskTypes) {
     useKinds({1, 2, 3, 4, 5, 6, 7});
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"createMediaAnalysisTask(3)", "task0.addCallBack",     //
-                     "createMediaAnalysisTask(2)", "task1.addCallBack",     //
-                     "createMediaAnalysisTask(9)", "task2.addCallBack",     //
-                     "createMediaAnalysisTask(1)", "task3.addCallBack",     //
-                     "createMediaAnalysisTask(8)", "task4.addCallBack",     //
-                     "createMediaAnalysisTask(1, 9)", "task5.addCallBack",  //
-                     "createMediaAnalysisTask(3, 8)", "task6.addCallBack"}));
+    EXPECT_EQ(trace(), R"(
+createMediaAnalysisTask(3)
+task0.addCallBack
+createMediaAnalysisTask(2)
+task1.addCallBack
+createMediaAnalysisTask(9)
+task2.addCallBack
+createMediaAnalysisTask(1)
+task3.addCallBack
+createMediaAnalysisTask(8)
+task4.addCallBack
+createMediaAnalysisTask(1, 9)
+task5.addCallBack
+createMediaAnalysisTask(3, 8)
+task6.addCallBack
+)");
     EXPECT_EQ(probe().analysisKinds(), (Kinds{1, 2, 3, 4, 5, 6, 7}));
 }
 
 TEST_F(TaskCreation, UnknownKindsAreIgnored) {
     useKinds({8, 0, 4});
-    EXPECT_EQ(host().takeJournal(), (Lines{"createMediaAnalysisTask(1)", "task0.addCallBack"}));
+    EXPECT_EQ(trace(), R"(
+createMediaAnalysisTask(1)
+task0.addCallBack
+)");
     EXPECT_EQ(probe().analysisKinds(), Kinds{4});
     EXPECT_EQ(probe().taskCount(), 1U);
 }
@@ -74,9 +84,12 @@ TEST_F(TaskCreation, KindWithoutATypeListIsSkipped) {
     host().faults.failMaking(Product::intList, 2);
     EXPECT_EQ(component().setAnalysisKinds(kinds.get()), KOR::statusOk);
     EXPECT_EQ(probe().analysisKinds(), (Kinds{4, 6}));
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"createMediaAnalysisTask(1)", "task0.addCallBack",
-                     "createMediaAnalysisTask(1, 9)", "task1.addCallBack"}));
+    EXPECT_EQ(trace(), R"(
+createMediaAnalysisTask(1)
+task0.addCallBack
+createMediaAnalysisTask(1, 9)
+task1.addCallBack
+)");
 }
 
 TEST_F(TaskCreation, StaysOkWhenNoTaskCanBeMade) {

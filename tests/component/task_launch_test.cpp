@@ -12,7 +12,6 @@
 namespace fake_host {
 namespace {
 
-using Lines = std::vector<std::string>;
 using StartOperation = KOR::Status (KOR::ComponentProbe::*)(KOR::IBsMediaAnalysisTask*);
 
 /// A video with two scenes and three keyframes is the current material, and one task is there.
@@ -42,158 +41,195 @@ protected:
 TEST_F(TaskLaunch, FaceOfAVideoGetsKeyFramePositions) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startFaceDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(0)", "task0.setKeyFramePositions(20, 10, 120)",
-                     "task0.start", "log startFaceDetect: ----Start Face Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.setKeyFramePositions(20, 10, 120)
+task0.start
+log startFaceDetect: "----Start Face Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, FaceOfAPhotoGetsNoPositions) {
     beginPhoto();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startFaceDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(photo.jpg, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(0)", "task0.start",
-                     "log startFaceDetect: ----Start Face Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(photo.jpg, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.start
+log startFaceDetect: "----Start Face Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, FaceOfAnUnseekableSourceGetsNoPositions) {
     begin(video("stream", 100 * second).sourceType(16));
     EXPECT_EQ(launch(&KOR::ComponentProbe::startFaceDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(stream, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(0)", "task0.start",
-                     "log startFaceDetect: ----Start Face Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(stream, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.start
+log startFaceDetect: "----Start Face Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, OtherKindsGivePositionsToAnUnseekableSource) {
     begin(video("stream", 100 * second).sourceType(16));
     launch(&KOR::ComponentProbe::startFaceAndEntropyAnalysis);
-    EXPECT_EQ(host().takeJournal().at(3), "task0.setKeyFramePositions(20, 10, 120)");
+    EXPECT_EQ(journal().at(3), "task0.setKeyFramePositions(20, 10, 120)");
 }
 
 TEST_F(TaskLaunch, BlurGetsPositionsAndTheParameterMode) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startBlurDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(1)", "task0.setKeyFramePositions(20, 10, 120)",
-                     "task0.start", "log startBlurDetect: ----Start Blur Detect---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.setKeyFramePositions(20, 10, 120)
+task0.start
+log startBlurDetect: "----Start Blur Detect---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, KeyFramesGetSceneRangesAndNoBlock) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startKeyFrameDetect), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-               "task0.setParameterMode(1)", "task0.setSceneRanges([0, 100) [100, 250))",
-               "task0.start",
-               "log startKeyFrameDetect: ----Start Keyframe Extract---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.setSceneRanges([0, 100) [100, 250))
+task0.start
+log startKeyFrameDetect: "----Start Keyframe Extract---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, KeyFramesWithoutScenesGetAnEmptyListAndStart) {
     beginVideo();
     probe().scenceRanges().clear();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startKeyFrameDetect), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-               "task0.setParameterMode(1)", "task0.setSceneRanges()", "task0.start",
-               "log startKeyFrameDetect: ----Start Keyframe Extract---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.setSceneRanges()
+task0.start
+log startKeyFrameDetect: "----Start Keyframe Extract---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, KeyFramesOfAPhotoGetNoRanges) {
     beginPhoto();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startKeyFrameDetect), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"task0.setSource(photo.jpg, 0, 0)", "task0.setPriority(100)",
-               "task0.setParameterMode(1)", "task0.start",
-               "log startKeyFrameDetect: ----Start Keyframe Extract---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(photo.jpg, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.start
+log startKeyFrameDetect: "----Start Keyframe Extract---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, ScenesGetTheSceneBlock) {
     beginVideo();
     setThreshold(0.1);
     EXPECT_EQ(launch(&KOR::ComponentProbe::startScenceDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(1)", "task0.setParameterBlock(1, 1.0, 0.1, 0)",
-                     "task0.start",
-                     "log startScenceDetect: ----Start Scence Detect:---素材idx---0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.setParameterBlock(1, 1.0, 0.1, 0)
+task0.start
+log startScenceDetect: "----Start Scence Detect:---素材idx---0\n"
+)");
 }
 
 TEST_F(TaskLaunch, ScenesInAnotherModeGetNoBlock) {
     beginVideo();
     probe().detectParamMode() = 0;
     EXPECT_EQ(launch(&KOR::ComponentProbe::startScenceDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(0)", "task0.start",
-                     "log startScenceDetect: ----Start Scence Detect:---素材idx---0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.start
+log startScenceDetect: "----Start Scence Detect:---素材idx---0\n"
+)");
 }
 
 TEST_F(TaskLaunch, EntropyGetsPositions) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startEntropyCalculate), KOR::statusOk);
-    EXPECT_EQ(
-        host().takeJournal(),
-        (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-               "task0.setParameterMode(0)", "task0.setKeyFramePositions(20, 10, 120)",
-               "task0.start",
-               "log startEntropyCalculate: ----Start Entropy Value---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.setKeyFramePositions(20, 10, 120)
+task0.start
+log startEntropyCalculate: "----Start Entropy Value---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, CombinedScenesAndKeyFramesGetBothBlocks) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startScenceAndKeyframeDetect), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(1)", "task0.setParameterBlock(1, 1.0, 3.0, 0)",
-                     "task0.setParameterBlock(9, 6, 4, 0, 4, 2, 2)", "task0.start",
-                     "log startScenceAndKeyframeDetect: ----Start Scence Detect and keyframe "
-                     "extrackt:---素材idx---0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(1)
+task0.setParameterBlock(1, 1.0, 3.0, 0)
+task0.setParameterBlock(9, 6, 4, 0, 4, 2, 2)
+task0.start
+log startScenceAndKeyframeDetect: "----Start Scence Detect and keyframe extrackt:---素材idx---0\n"
+)");
 }
 
 TEST_F(TaskLaunch, CombinedInAnotherModeGetsNoBlocks) {
     beginVideo();
     probe().detectParamMode() = 2;
     launch(&KOR::ComponentProbe::startScenceAndKeyframeDetect);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(2)", "task0.start",
-                     "log startScenceAndKeyframeDetect: ----Start Scence Detect and keyframe "
-                     "extrackt:---素材idx---0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(2)
+task0.start
+log startScenceAndKeyframeDetect: "----Start Scence Detect and keyframe extrackt:---素材idx---0\n"
+)");
 }
 
 TEST_F(TaskLaunch, FaceAndEntropyGetsPositions) {
     beginVideo();
     EXPECT_EQ(launch(&KOR::ComponentProbe::startFaceAndEntropyAnalysis), KOR::statusOk);
-    EXPECT_EQ(host().takeJournal(),
-              (Lines{"task0.setSource(clip.mp4, 0, 0)", "task0.setPriority(100)",
-                     "task0.setParameterMode(0)", "task0.setKeyFramePositions(20, 10, 120)",
-                     "task0.start",
-                     "log startFaceAndEntropyAnalysis: ----Start Face detect and Entropy "
-                     "Value---素材idx: 0\\n"}));
+    EXPECT_EQ(trace(), R"(
+task0.setSource(clip.mp4, 0, 0)
+task0.setPriority(100)
+task0.setParameterMode(0)
+task0.setKeyFramePositions(20, 10, 120)
+task0.start
+log startFaceAndEntropyAnalysis: "----Start Face detect and Entropy Value---素材idx: 0\n"
+)");
 }
 
 TEST_F(TaskLaunch, PositionsAreHandedOverEvenWhenThereAreNone) {
     beginVideo();
     probe().keyFramesOfScences() = {{}, {}};
     launch(&KOR::ComponentProbe::startEntropyCalculate);
-    EXPECT_EQ(host().takeJournal().at(3), "task0.setKeyFramePositions()");
+    EXPECT_EQ(journal().at(3), "task0.setKeyFramePositions()");
 }
 
 TEST_F(TaskLaunch, PriorityIsTheComponentsOwn) {
     beginVideo();
     component().setPriority(7);
     launch(&KOR::ComponentProbe::startScenceDetect);
-    EXPECT_EQ(host().takeJournal().at(1), "task0.setPriority(7)");
+    EXPECT_EQ(journal().at(1), "task0.setPriority(7)");
 }
 
 TEST_F(TaskLaunch, LineNamesTheMaterialByItsIndex) {
-    for (int i = 0; i < 13; ++i) insert(video("clip.mp4", 100 * second));
+    for (int i = 0; i < 13; ++i)
+        insert(video("clip.mp4", 100 * second));
     probe().moveTo(12, 0);
     launch(&KOR::ComponentProbe::startScenceDetect);
     EXPECT_EQ(logTexts(), Lines{"----Start Scence Detect:---素材idx---12\n"});
@@ -244,7 +280,7 @@ TEST_F(TaskLaunch, RangesThatCannotBeAppendedAreNotLeaked) {
     host().faults.failAppends(Product::pointerList);
     launch(&KOR::ComponentProbe::startKeyFrameDetect);
     EXPECT_TRUE(task(0).running());
-    EXPECT_EQ(host().takeJournal().at(3), "task0.setSceneRanges()");
+    EXPECT_EQ(journal().at(3), "task0.setSceneRanges()");
 }
 
 TEST_F(TaskLaunch, NothingIsLoggedWithoutALogger) {
@@ -311,12 +347,10 @@ INSTANTIATE_TEST_SUITE_P(
         LaunchStep{"entropy", &Probe::startEntropyCalculate, "setKeyFramePositions"},
         LaunchStep{"entropy", &Probe::startEntropyCalculate, "start"},
         LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect, "setSource"},
-        LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect,
-                   "setParameterBlock"},
+        LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect, "setParameterBlock"},
         LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect, "start"},
         LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis, "setSource"},
-        LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis,
-                   "setKeyFramePositions"},
+        LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis, "setKeyFramePositions"},
         LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis, "start"}));
 
 class TaskLaunchOfNull : public TaskLaunch, public testing::WithParamInterface<LaunchStep> {};
@@ -330,14 +364,13 @@ TEST_P(TaskLaunchOfNull, NullTaskFailsAndTouchesNoOther) {
 
 INSTANTIATE_TEST_SUITE_P(
     EveryStart, TaskLaunchOfNull,
-    testing::Values(
-        LaunchStep{"face", &Probe::startFaceDetect, ""},
-        LaunchStep{"blur", &Probe::startBlurDetect, ""},
-        LaunchStep{"keyframe", &Probe::startKeyFrameDetect, ""},
-        LaunchStep{"scene", &Probe::startScenceDetect, ""},
-        LaunchStep{"entropy", &Probe::startEntropyCalculate, ""},
-        LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect, ""},
-        LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis, ""}));
+    testing::Values(LaunchStep{"face", &Probe::startFaceDetect, ""},
+                    LaunchStep{"blur", &Probe::startBlurDetect, ""},
+                    LaunchStep{"keyframe", &Probe::startKeyFrameDetect, ""},
+                    LaunchStep{"scene", &Probe::startScenceDetect, ""},
+                    LaunchStep{"entropy", &Probe::startEntropyCalculate, ""},
+                    LaunchStep{"scene and keyframe", &Probe::startScenceAndKeyframeDetect, ""},
+                    LaunchStep{"face and entropy", &Probe::startFaceAndEntropyAnalysis, ""}));
 
 TEST_F(TaskLaunch, OtherStatusOfTheSourceIsPassedOn) {
     beginVideo();

@@ -17,7 +17,8 @@ using Events = std::vector<std::uint32_t>;
 
 /// Waits without ordering anything, so that it hides no race from a race detector.
 void spinUntil(const std::atomic<bool>& flag) {
-    while (!flag.load(std::memory_order_relaxed)) std::this_thread::yield();
+    while (!flag.load(std::memory_order_relaxed))
+        std::this_thread::yield();
 }
 
 class Threads : public RunTest {
@@ -102,7 +103,8 @@ TEST_F(Threads, StopMayComeFromAnotherThread) {
     stopper.join();
     task(0).finish();
     EXPECT_EQ(host().startCount, 1);
-    for (const std::uint32_t event : listener.events()) EXPECT_EQ(event, 1U);
+    for (const std::uint32_t event : listener.events())
+        EXPECT_EQ(event, 1U);
 }
 
 TEST_F(Threads, ReferencesMayBeCountedFromSeveral) {

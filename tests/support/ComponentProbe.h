@@ -53,7 +53,8 @@ struct ComponentProbe {
 
     std::vector<IDmBaseMedia*> materials() const {
         std::vector<IDmBaseMedia*> objects;
-        for (const auto& material : component.materials) objects.push_back(material.get());
+        for (const auto& material : component.materials)
+            objects.push_back(material.get());
         return objects;
     }
     std::size_t taskCount() const { return component.tasks.size(); }
@@ -61,7 +62,8 @@ struct ComponentProbe {
     /// The records by value; the component keeps its own.
     std::vector<MaterialAnalysisResult> results() const {
         std::vector<MaterialAnalysisResult> records;
-        for (const auto& record : component.analysisResults) records.push_back(*record);
+        for (const auto& record : component.analysisResults)
+            records.push_back(*record);
         return records;
     }
 

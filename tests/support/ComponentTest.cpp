@@ -6,7 +6,8 @@ namespace fake_host {
 
 Owned<KOR::IKORIntList> intList(const std::vector<std::int32_t>& values) {
     Owned<KOR::IKORIntList> list(createKORIntList());
-    for (const std::int32_t value : values) list->append(value);
+    for (const std::int32_t value : values)
+        list->append(value);
     return list;
 }
 
@@ -37,7 +38,7 @@ void ComponentTest::TearDown() {
     EXPECT_EQ(host().live.tasks, 0);
     EXPECT_EQ(host().live.lists, 0);
     EXPECT_EQ(host().live.logStreams, 0);
-    EXPECT_EQ(host().complaints(), std::vector<std::string>());
+    EXPECT_EQ(host().complaints(), Lines());
 }
 
 FakeMedia& ComponentTest::make(const MediaSpec& spec) {
@@ -72,9 +73,27 @@ void ComponentTest::runToEnd() {
     host().finishAllTasks();
 }
 
-std::vector<std::string> ComponentTest::logTexts() const {
-    std::vector<std::string> texts;
-    for (const LogLine& line : host().logLines()) texts.push_back(line.text);
+Lines ComponentTest::journal() {
+    const std::string directory = host().directory().string();
+    Lines lines = host().takeJournal();
+    for (std::string& line : lines) {
+        const std::size_t at = line.find(directory);
+        if (at != std::string::npos) line.replace(at, directory.size(), "<dir>");
+    }
+    return lines;
+}
+
+std::string ComponentTest::trace() {
+    std::string text = "\n";
+    for (const std::string& line : journal())
+        text += line + "\n";
+    return text;
+}
+
+Lines ComponentTest::logTexts() const {
+    Lines texts;
+    for (const LogLine& line : host().logLines())
+        texts.push_back(line.text);
     return texts;
 }
 

@@ -20,6 +20,8 @@ namespace fake_host {
 
 constexpr std::int64_t second = KOR::ticksPerSecond;
 
+using Lines = std::vector<std::string>;
+
 Owned<KOR::IKORIntList> intList(const std::vector<std::int32_t>& values);
 
 /// A borrowing list of materials; null stands for an element that is null.
@@ -55,8 +57,16 @@ protected:
     /// Starts a run and finishes every task of it.
     void runToEnd();
 
+    /// What happened since the last look, a line for each call, log line and event, with this
+    /// test's directory called "<dir>".
+    Lines journal();
+
+    /// The same as one text, which begins with a line feed, as the literals do that it is held
+    /// against.
+    std::string trace();
+
     /// The log's texts so far.
-    std::vector<std::string> logTexts() const;
+    Lines logTexts() const;
 
 private:
     std::vector<Owned<FakeMedia>> materials_;

@@ -25,7 +25,8 @@ Path PathUtil::join(const Path& base, const Path& tail) {
     if (base.string().empty()) return tail;
     if (tail.string().empty()) return base;
     std::string text = base.string();
-    while (!text.empty() && text.back() == '/') text.pop_back();
+    while (!text.empty() && text.back() == '/')
+        text.pop_back();
     const std::size_t start = tail.string().find_first_not_of('/');
     return Path(text + "/" + (start == std::string::npos ? "" : tail.string().substr(start)));
 }

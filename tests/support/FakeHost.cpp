@@ -114,7 +114,8 @@ FakeTask* FakeHost::runningTask() const {
 }
 
 void FakeHost::finishAllTasks() const {
-    while (FakeTask* const task = runningTask()) task->finish();
+    while (FakeTask* const task = runningTask())
+        task->finish();
 }
 
 std::filesystem::path FakeHost::directory() {

@@ -15,7 +15,8 @@ namespace fake_host {
 template <typename Element>
 class FakeList final : public Counted<KOR::IKORList<Element>> {
 public:
-    explicit FakeList(Product kind) : Counted<KOR::IKORList<Element>>(host().live.lists), kind_(kind) {}
+    explicit FakeList(Product kind)
+        : Counted<KOR::IKORList<Element>>(host().live.lists), kind_(kind) {}
 
     std::int64_t count() const override { return static_cast<std::int64_t>(elements_.size()); }
 
@@ -40,7 +41,8 @@ private:
     ~FakeList() override {
         if constexpr (std::is_pointer_v<Element>) {
             if (kind_ != Product::owningList) return;
-            for (const Element element : elements_) ::operator delete(element);
+            for (const Element element : elements_)
+                ::operator delete(element);
         }
     }
 

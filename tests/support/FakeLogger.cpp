@@ -22,7 +22,7 @@ public:
     void close() override {
         if (!written_) host().complain("a log stream was closed without a text");
         if (host().recording) {
-            host().note("log " + shortName(line_.function) + ": " + visible(line_.text));
+            host().note("log " + shortName(line_.function) + ": \"" + visible(line_.text) + "\"");
             host().addLogLine(std::move(line_));
         }
         delete this;

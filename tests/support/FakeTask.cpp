@@ -41,7 +41,8 @@ std::string rangesText(KOR::IKORVoidPtrList* list) {
 std::string positionsText(KOR::IKORLonglongList* list) {
     if (list == nullptr) return "null";
     std::vector<std::int64_t> positions;
-    for (std::int64_t i = 0; i < list->count(); ++i) positions.push_back(list->at(i));
+    for (std::int64_t i = 0; i < list->count(); ++i)
+        positions.push_back(list->at(i));
     return joined(positions);
 }
 

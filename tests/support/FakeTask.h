@@ -90,8 +90,8 @@ public:
     KOR::Status setParameterBlock(std::int32_t type, const void* block) override;
     KOR::Status reserved15() override { return unexpected("reserved15"); }
     KOR::Status reserved16() override { return unexpected("reserved16"); }
-    KOR::Status getResultList(std::int32_t kind, std::int32_t reserved1,
-                              KOR::IKORVoidPtrList* list, std::int32_t reserved2) override;
+    KOR::Status getResultList(std::int32_t kind, std::int32_t reserved1, KOR::IKORVoidPtrList* list,
+                              std::int32_t reserved2) override;
 
 private:
     ~FakeTask() override;

@@ -51,7 +51,8 @@ public:
     /// The numbers of the events heard so far, in order.
     std::vector<std::uint32_t> events() const {
         std::vector<std::uint32_t> numbers;
-        for (const HeardEvent& heard : heard_) numbers.push_back(heard.event);
+        for (const HeardEvent& heard : heard_)
+            numbers.push_back(heard.event);
         return numbers;
     }
 

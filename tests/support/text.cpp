@@ -22,7 +22,7 @@ std::string visible(const std::string& text) {
 std::string shortName(const std::string& function) {
     const std::string prefix = "KOR::KorMaterialAnalysis::";
     return function.compare(0, prefix.size(), prefix) == 0 ? function.substr(prefix.size())
-                                                          : function;
+                                                           : function;
 }
 
 std::string asText(double value) {
