@@ -132,6 +132,18 @@ TEST_F(Building, MakesARecordForEachScore) {
     EXPECT_EQ(material.refCount(), 4U);
 }
 
+TEST_F(Building, RecordsFollowTheirBestKeyFrames) {
+    probe().keyFramesOfScences() = {{{0, 0.1, 900}}, {{1, 0.2, 100}}, {{2, 0.3, 500}}};
+    probe().rankScenceScores();
+    probe().buildAnalysisResults();
+    std::vector<std::vector<std::int64_t>> records;
+    for (const auto& record : probe().results()) {
+        records.push_back({record.posOfMaxScore, record.begin, record.end});
+    }
+    EXPECT_EQ(records, (std::vector<std::vector<std::int64_t>>{
+                           {100, 300, 700}, {500, 700, 1000}, {900, 0, 300}}));
+}
+
 TEST_F(Building, AppendsToTheRecordsBefore) {
     probe().scenceScores() = {{0, 0.5, 1}};
     probe().buildAnalysisResults();

@@ -300,6 +300,16 @@ TEST_F(Listeners, MayReleaseBeyondTheNestedLevels) {
     EXPECT_EQ(host().live.tasks, 0);
 }
 
+TEST_F(Listeners, MayReleaseInAnEventOfTheStop) {
+    insert(video("a.mp4", 100 * second));
+    useKinds({4, 3});
+    component().start();
+    listener.onEvent = [&](std::uint32_t) { releaseComponent(); };
+    component().stop();
+    EXPECT_EQ(listener.events(), Events{4});
+    EXPECT_EQ(host().live.tasks, 0);
+}
+
 TEST_F(Listeners, MayStartTheNextRunFromTheEndOfTheLast) {
     insert(photo("photo.jpg"));
     int runs = 1;

@@ -74,6 +74,26 @@ TEST_F(Threads, WholeRunMayEndElsewhereBeforeStartReturns) {
     EXPECT_EQ(probe().results().size(), 3U);
 }
 
+TEST_F(Threads, LastReferenceMayGoElsewhereBeforeStartReturns) {
+    insertVideos(2);
+    useKinds({4, 3});
+    listener.onEvent = [&](std::uint32_t) { releaseComponent(); };
+    std::thread worker;
+    std::atomic<bool> over{false};
+    task(0).onCall("start", [&] {
+        task(0).onCall("start", [] {});
+        worker = std::thread([&] {
+            host().finishAllTasks();
+            over.store(true, std::memory_order_relaxed);
+        });
+        spinUntil(over);
+    });
+    component().start();
+    worker.join();
+    EXPECT_EQ(listener.events(), Events{2});
+    EXPECT_EQ(host().live.tasks, 0);
+}
+
 TEST_F(Threads, StartMayReturnWhileTheTaskReportsElsewhere) {
     insertVideos(20);
     useKinds({4, 3});
