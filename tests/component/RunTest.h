@@ -13,6 +13,29 @@ class RunTest : public ComponentTest {
 protected:
     RunTest() { component().addCallBack(&listener); }
 
+    /// Makes the tasks and forgets what that put into the journal.
+    void useKindsQuietly(const std::vector<std::int32_t>& kinds) {
+        useKinds(kinds);
+        host().takeJournal();
+    }
+
+    /// 100 seconds with two scenes that count and one that is too short.
+    static MediaSpec clip() {
+        return video("clip.mp4", 1000000000)
+            .scenes({{0, 400000000}, {400000000, 410000000}, {410000000, 1000000000}})
+            .keyFrames({100000000, 405000000, 600000000});
+    }
+
+    /// Starts a run, and lets every task report 50 percent before it finishes.
+    std::string traceOfRun() {
+        component().start();
+        while (FakeTask* const running = host().runningTask()) {
+            running->progress(50);
+            running->finish();
+        }
+        return trace();
+    }
+
     /// Which task was started on what since the last call of journal(), as "task0 clip.mp4".
     Lines starts() {
         Lines started;
@@ -30,7 +53,7 @@ protected:
         return started;
     }
 
-    /// The file that the first task of the current run was written to, below the test's directory.
+    /// The result file of the material whose cache is this test's directory; empty without one.
     static std::string resultFile() {
         return contentOf((host().directory() / "analysis" / "result.json").string());
     }
