@@ -1,0 +1,79 @@
+#include "reference_host/scenes/BlendSignal.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+#include "reference_host/scenes/Difference.h"
+
+namespace reference_host::scenes {
+namespace {
+
+/// Half lengths that are tried, in pictures: each about a fourth longer than the one before, so
+/// that one of them is near enough to any.
+constexpr std::array<std::size_t, 12> halfLengths = {3, 4, 5, 6, 8, 10, 12, 15, 18, 22, 27, 32};
+static_assert(halfLengths.back() == blendReach);
+
+/// Longer mixes are not dissolves but changes of weather; also the limit where pictures are rare.
+constexpr std::int64_t longestBlendTicks = ticksPerSecond * 5 / 2;
+
+/// A mix that leaves this much unexplained is none; see Mixture::residual. Movement in the two
+/// scenes costs up to 0.3.
+constexpr float largestResidual = 0.4F;
+
+/// The share may be off a steady course by so much: eased dissolves are off by 0.1, a cut by 0.25
+/// at least.
+constexpr float largestDeviation = 0.25F;
+
+/// Ends less far apart than this are one scene.
+constexpr float smallestSeparation = 4.0F;
+
+/// Returns 1 for a perfect steady mix, 0 for none.
+float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
+                   std::size_t last) {
+    const WindowPicture& begin = window[first];
+    const WindowPicture& end = window[last];
+    const double length = static_cast<double>(end.positionTicks - begin.positionTicks);
+    const std::size_t quarter = (number - first) / 2;
+    float residual = 0;
+    float deviation = 0;
+    for (const std::size_t i : {number, number - quarter, number + quarter}) {
+        const Mixture mixture = mixtureOf(begin.thumbnail, window[i].thumbnail, end.thumbnail);
+        const double steady =
+            static_cast<double>(window[i].positionTicks - begin.positionTicks) / length;
+        residual = std::max(residual, mixture.residual);
+        deviation = std::max(deviation, std::abs(mixture.share - static_cast<float>(steady)));
+    }
+    return std::max(0.0F, 1 - residual / largestResidual) *
+           std::max(0.0F, 1 - deviation / largestDeviation);
+}
+
+float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
+                 std::size_t last) {
+    const float steadiness = steadinessOf(window, first, number, last);
+    if (steadiness <= 0) return 0;
+    const Thumbnail& begin = window[first].thumbnail;
+    const float separation = movedDifference(begin, inLightOf(begin, window[last].thumbnail));
+    return separation < smallestSeparation ? 0 : separation * steadiness;
+}
+
+}  // namespace
+
+Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
+    Blend strongest;
+    for (const std::size_t half : halfLengths) {
+        if (number < window.begin() + half || number + half >= window.end()) break;
+        const WindowPicture& begin = window[number - half];
+        const WindowPicture& end = window[number + half];
+        if (end.positionTicks - begin.positionTicks > longestBlendTicks) break;
+        const float strength = strengthOf(window, number - half, number, number + half);
+        if (strength <= strongest.strength) continue;
+        const std::size_t frame = window[number].frame;
+        strongest = {strength, static_cast<std::uint32_t>(frame - begin.frame),
+                     static_cast<std::uint32_t>(end.frame - frame)};
+    }
+    return strongest;
+}
+
+}  // namespace reference_host::scenes

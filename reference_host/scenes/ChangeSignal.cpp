@@ -1,0 +1,44 @@
+#include "reference_host/scenes/ChangeSignal.h"
+
+#include <algorithm>
+
+#include "reference_host/scenes/Difference.h"
+#include "reference_host/scenes/FrameSignal.h"
+
+namespace reference_host::scenes {
+namespace {
+
+/// A photographer's flash, a muzzle fire or a lightning lights up the picture for a tenth of a
+/// second; anything that stays longer is a shot of its own.
+constexpr std::int64_t longestFlashTicks = ticksPerSecond * 15 / 100;
+
+/// Less is no candidate for a cut whatever comes after it, and need not be looked into.
+constexpr float smallestChange = 3.0F;
+
+}  // namespace
+
+float changeAt(const ThumbnailWindow& window, std::size_t number) {
+    if (number == window.begin()) return 0;
+    return movedDifference(window[number - 1].thumbnail, window[number].thumbnail);
+}
+
+float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float change) {
+    if (number == window.begin() || change < smallestChange) return change;
+    const WindowPicture& before = window[number - 1];
+    const WindowPicture& here = window[number];
+    float lasting = change;
+    const std::size_t last = std::min(window.end() - 1, number + lastingReach);
+    for (std::size_t i = number + 1; i <= last; ++i) {
+        if (window[i].positionTicks - here.positionTicks > longestFlashTicks) break;
+        lasting = std::min(lasting, movedDifference(before.thumbnail, window[i].thumbnail));
+    }
+    const std::size_t first =
+        std::max(window.begin(), number - 1 - std::min(number - 1, lastingReach));
+    for (std::size_t i = number - 1; i-- > first;) {
+        if (here.positionTicks - window[i + 1].positionTicks > longestFlashTicks) break;
+        lasting = std::min(lasting, movedDifference(window[i].thumbnail, here.thumbnail));
+    }
+    return lasting;
+}
+
+}  // namespace reference_host::scenes

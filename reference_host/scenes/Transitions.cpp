@@ -1,0 +1,221 @@
+#include "reference_host/scenes/Transitions.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+namespace reference_host::scenes {
+namespace {
+
+/// Changes below this differ from no change by the coder's noise only: a repeated picture.
+constexpr float repeatedChange = 0.25F;
+
+/// How many moving pictures on each side make a picture's neighbourhood, and how far it goes where
+/// pictures are rare.
+constexpr std::size_t neighbours = 5;
+constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
+
+/// Added to the neighbours' change, so that in still footage a change counts from the threshold
+/// times this on.
+constexpr double stillChange = 1.5;
+constexpr double stillBlend = 3.0;
+
+/// A cut is the largest change within so many frames.
+constexpr std::size_t cutClearance = 2;
+
+/// A picture with less contrast is plain.
+constexpr float plainContrast = 2.0F;
+
+/// A plain stretch that lasts longer is a scene of its own.
+constexpr std::int64_t longestPlainTicks = 2 * ticksPerSecond;
+
+/// The changes near a frame, without its own.
+class Neighbourhood {
+public:
+    Neighbourhood(std::span<const FrameSignal> signals, std::size_t frame)
+        : signals_(signals), position_(signals[frame].positionTicks) {
+        for (std::size_t i = frame, found = 0; i-- > 0 && found < neighbours && isNear(i);)
+            found += add(i);
+        for (std::size_t i = frame + 1, found = 0;
+             i < signals.size() && found < neighbours && isNear(i); ++i)
+            found += add(i);
+    }
+
+    double meanChange() const { return count_ == 0 ? 0 : sum_ / static_cast<double>(count_); }
+
+private:
+    bool isNear(std::size_t i) const {
+        return std::max(position_, signals_[i].positionTicks) -
+                   std::min(position_, signals_[i].positionTicks) <=
+               neighbourhoodTicks;
+    }
+
+    std::size_t add(std::size_t i) {
+        if (i == 0 || signals_[i].change < repeatedChange) return 0;
+        sum_ += signals_[i].change;
+        ++count_;
+        return 1;
+    }
+
+    std::span<const FrameSignal> signals_;
+    std::int64_t position_;
+    double sum_ = 0;
+    std::size_t count_ = 0;
+};
+
+bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t frame) {
+    const std::size_t first = frame - std::min(frame, cutClearance);
+    const std::size_t last = std::min(signals.size() - 1, frame + cutClearance);
+    for (std::size_t i = first; i <= last; ++i) {
+        const float other = signals[i].lastingChange;
+        if (other > signals[frame].lastingChange) return false;
+        if (i < frame && other == signals[frame].lastingChange) return false;
+    }
+    return true;
+}
+
+Transition transitionOf(const Blend& blend, std::size_t frame) {
+    return {frame - blend.framesBefore + 1, frame, frame + blend.framesAfter};
+}
+
+/// Returns the mean strength of the blends in a stretch of frames, which may reach beyond the ends.
+double meanBlend(std::span<const FrameSignal> signals, std::size_t begin, std::size_t end) {
+    double sum = 0;
+    for (std::size_t i = begin; i < end; ++i)
+        sum += signals[i].blend.strength;
+    return begin < end ? sum / static_cast<double>(end - begin) : 0;
+}
+
+/// Returns the mean strength of the blends beside a transition, over its own length, on the quieter
+/// side: the other side may hold the second half of a fade.
+double blendBeside(std::span<const FrameSignal> signals, const Transition& transition) {
+    const std::size_t length = transition.end - transition.begin;
+    const std::size_t first = transition.begin - std::min(transition.begin, length);
+    const std::size_t last = std::min(signals.size(), transition.end + length);
+    return std::min(meanBlend(signals, first, transition.begin),
+                    meanBlend(signals, transition.end, last));
+}
+
+bool overlaps(const Transition& a, const Transition& b) {
+    return a.begin <= b.end && b.begin <= a.end;
+}
+
+bool isBefore(const Transition& a, const Transition& b) {
+    return a.boundary < b.boundary;
+}
+
+/// Says whether `frame` is in the middle half of a dissolve, where its pictures are surely mixed.
+bool isInMiddleOf(const Transition& dissolve, std::size_t frame) {
+    const std::size_t quarter = (dissolve.end - dissolve.begin) / 4;
+    return dissolve.begin + quarter <= frame && frame < dissolve.end - quarter;
+}
+
+/// Frames without contrast, from begin to before end.
+struct PlainStretch {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+bool isPlain(const FrameSignal& signal) {
+    return signal.contrast <= plainContrast;
+}
+
+std::vector<PlainStretch> shortPlainStretches(std::span<const FrameSignal> signals) {
+    std::vector<PlainStretch> stretches;
+    for (std::size_t begin = 0; begin < signals.size(); ++begin) {
+        if (!isPlain(signals[begin])) continue;
+        std::size_t end = begin + 1;
+        while (end < signals.size() && isPlain(signals[end]))
+            ++end;
+        const std::int64_t length = signals[end - 1].positionTicks - signals[begin].positionTicks;
+        if (length <= longestPlainTicks) stretches.push_back({begin, end});
+        begin = end;
+    }
+    return stretches;
+}
+
+/// Says whether a transition leads into or out of a stretch; the ends of a dissolve are known to a
+/// fourth of its length only.
+bool touches(const Transition& transition, const PlainStretch& stretch) {
+    const std::size_t slack = (transition.end - transition.begin) / 4;
+    return transition.begin <= stretch.end + slack && stretch.begin <= transition.end + slack;
+}
+
+/// Makes one transition of some that touch a plain stretch. A cut among them says best where the
+/// new scene begins; without one it is the middle of the stretch.
+Transition joinedAcross(const PlainStretch& stretch, std::span<const Transition> touching) {
+    Transition joined{stretch.begin, (stretch.begin + stretch.end) / 2, stretch.end};
+    for (const Transition& transition : touching) {
+        joined.begin = std::min(joined.begin, transition.begin);
+        joined.end = std::max(joined.end, transition.end);
+        if (transition.isCut()) joined.boundary = transition.boundary;
+    }
+    return joined;
+}
+
+}  // namespace
+
+std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double threshold) {
+    std::vector<Transition> cuts;
+    for (std::size_t i = 1; i < signals.size(); ++i) {
+        const double change = signals[i].lastingChange;
+        if (change < threshold * stillChange || !isLargestLastingChange(signals, i)) continue;
+        if (change < threshold * (Neighbourhood(signals, i).meanChange() + stillChange)) continue;
+        cuts.push_back({i, i, i});
+    }
+    return cuts;
+}
+
+std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, double threshold) {
+    std::vector<std::size_t> candidates;
+    for (std::size_t i = 0; i < signals.size(); ++i) {
+        if (signals[i].blend.strength >= threshold * stillBlend) candidates.push_back(i);
+    }
+    std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
+        return signals[a].blend.strength > signals[b].blend.strength;
+    });
+    std::vector<Transition> dissolves;
+    for (const std::size_t i : candidates) {
+        const Transition candidate = transitionOf(signals[i].blend, i);
+        const bool taken = std::any_of(dissolves.begin(), dissolves.end(),
+                                       [&](const Transition& t) { return overlaps(t, candidate); });
+        if (taken) continue;
+        const double beside = blendBeside(signals, candidate);
+        if (signals[i].blend.strength < threshold * (beside + stillBlend)) continue;
+        dissolves.push_back(candidate);
+    }
+    std::sort(dissolves.begin(), dissolves.end(),
+              [](const Transition& a, const Transition& b) { return a.begin < b.begin; });
+    return dissolves;
+}
+
+std::vector<Transition> joinFades(std::span<const FrameSignal> signals,
+                                  std::vector<Transition> transitions) {
+    for (const PlainStretch& stretch : shortPlainStretches(signals)) {
+        const auto touching = std::stable_partition(
+            transitions.begin(), transitions.end(),
+            [&](const Transition& transition) { return !touches(transition, stretch); });
+        if (touching == transitions.end()) continue;
+        const Transition joined = joinedAcross(stretch, {touching, transitions.end()});
+        transitions.erase(touching, transitions.end());
+        const bool atAnEnd = stretch.begin == 0 || stretch.end == signals.size();
+        if (!atAnEnd) transitions.push_back(joined);
+    }
+    std::sort(transitions.begin(), transitions.end(), isBefore);
+    return transitions;
+}
+
+std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, double threshold) {
+    std::vector<Transition> transitions = findDissolves(signals, threshold);
+    std::vector<Transition> cuts = findCuts(signals, threshold);
+    std::erase_if(cuts, [&](const Transition& cut) {
+        return std::any_of(transitions.begin(), transitions.end(), [&](const Transition& dissolve) {
+            return isInMiddleOf(dissolve, cut.boundary);
+        });
+    });
+    transitions.insert(transitions.end(), cuts.begin(), cuts.end());
+    std::sort(transitions.begin(), transitions.end(), isBefore);
+    return joinFades(signals, std::move(transitions));
+}
+
+}  // namespace reference_host::scenes
