@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "reference_host/scenes/Difference.h"
 
@@ -13,7 +14,7 @@ namespace {
 /// Half lengths that are tried, in pictures: each about a fourth longer than the one before, so
 /// that one of them is near enough to any.
 constexpr std::array<std::size_t, 12> halfLengths = {3, 4, 5, 6, 8, 10, 12, 15, 18, 22, 27, 32};
-static_assert(halfLengths.back() == blendReach);
+static_assert(2 * halfLengths.back() == blendReach);
 
 /// Longer mixes are not dissolves but changes of weather; also the limit where pictures are rare.
 constexpr std::int64_t longestBlendTicks = ticksPerSecond * 5 / 2;
@@ -25,6 +26,10 @@ constexpr float largestResidual = 0.4F;
 /// The share may be off a steady course by so much: eased dissolves are off by 0.1, a cut by 0.25
 /// at least.
 constexpr float largestDeviation = 0.25F;
+
+/// Where the pictures beside change at this part of the pace inside, the blend is but a piece of a
+/// longer steady change, such as colours that drift.
+constexpr float largestPaceBeside = 0.75F;
 
 /// Ends less far apart than this are one scene.
 constexpr float smallestSeparation = 4.0F;
@@ -49,13 +54,39 @@ float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t
            std::max(0.0F, 1 - deviation / largestDeviation);
 }
 
+/// Returns how far two pictures of the window are apart by more than motion or light.
+float separationOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    const Thumbnail& begin = window[first].thumbnail;
+    return movedDifference(begin, inLightOf(begin, window[last].thumbnail));
+}
+
+/// Returns the separation for each picture from `first` to `last`.
+float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    return separationOf(window, first, last) / static_cast<float>(last - first);
+}
+
+/// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
+/// those in it. The quieter side counts: the other may hold a cut, or the second half of a fade.
+float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::size_t last,
+                      float paceInside) {
+    const std::size_t half = (last - first) / 2;
+    const std::size_t before = first - std::min(half, first - window.begin());
+    const std::size_t after = std::min(last + half, window.end() - 1);
+    if (before == first && after == last) return 1;
+    float beside = std::numeric_limits<float>::max();
+    if (before < first) beside = paceOf(window, before, first);
+    if (last < after) beside = std::min(beside, paceOf(window, last, after));
+    return std::max(0.0F, 1 - beside / (largestPaceBeside * paceInside));
+}
+
 float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
                  std::size_t last) {
     const float steadiness = steadinessOf(window, first, number, last);
     if (steadiness <= 0) return 0;
-    const Thumbnail& begin = window[first].thumbnail;
-    const float separation = movedDifference(begin, inLightOf(begin, window[last].thumbnail));
-    return separation < smallestSeparation ? 0 : separation * steadiness;
+    const float separation = separationOf(window, first, last);
+    if (separation < smallestSeparation) return 0;
+    return separation * steadiness *
+           quietnessBeside(window, first, last, separation / static_cast<float>(last - first));
 }
 
 }  // namespace

@@ -7,8 +7,9 @@
 
 namespace reference_host::scenes {
 
-/// How many pictures before and after one are looked at for a dissolve.
-constexpr std::size_t blendReach = 32;
+/// How many pictures before and after one are looked at for a dissolve: the longest half length,
+/// and as much beside it.
+constexpr std::size_t blendReach = 64;
 
 /// Returns the strongest dissolve that has the picture `number` in its middle.
 ///

@@ -8,9 +8,9 @@
 namespace reference_host::scenes {
 namespace {
 
-/// A photographer's flash, a muzzle fire or a lightning lights up the picture for a tenth of a
-/// second; anything that stays longer is a shot of its own.
-constexpr std::int64_t longestFlashTicks = ticksPerSecond * 15 / 100;
+/// A photographer's flash, a muzzle fire or a lightning lights up the picture for up to a fifth of
+/// a second; anything that stays longer is a shot of its own.
+constexpr std::int64_t longestFlashTicks = ticksPerSecond / 5;
 
 /// Less is no candidate for a cut whatever comes after it, and need not be looked into.
 constexpr float smallestChange = 3.0F;

@@ -75,8 +75,24 @@ struct Sums {
 
 }  // namespace
 
-float movedDifference(const Thumbnail& before, const Thumbnail& after) {
+static int toneDifference(const Thumbnail::Plane& a, const Thumbnail::Plane& b) {
+    std::array<int, 256> surplus{};
+    for (std::size_t i = 0; i < thumbnailPixels; ++i) {
+        ++surplus[a[i]];
+        --surplus[b[i]];
+    }
+    int moved = 0;
     int sum = 0;
+    for (const int count : surplus) {
+        moved += count;
+        sum += std::abs(moved);
+    }
+    return sum;
+}
+
+float movedDifference(const Thumbnail& before, const Thumbnail& after) {
+    int sum = (toneDifference(before.luma, after.luma) + toneDifference(before.u, after.u) +
+               toneDifference(before.v, after.v));
     for (std::size_t y = 0; y < thumbnailHeightPx; y += blockHeightPx) {
         for (std::size_t x = 0; x < thumbnailWidthPx; x += blockWidthPx) {
             sum += bestBlockDifference(before, after, x, y);

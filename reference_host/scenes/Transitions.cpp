@@ -17,8 +17,8 @@ constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 
 /// Added to the neighbours' change, so that in still footage a change counts from the threshold
 /// times this on.
-constexpr double stillChange = 1.5;
-constexpr double stillBlend = 3.0;
+constexpr double stillChange = 3.0;
+constexpr double stillBlend = 2.5;
 
 /// A cut is the largest change within so many frames.
 constexpr std::size_t cutClearance = 2;
