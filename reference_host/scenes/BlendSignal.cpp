@@ -21,7 +21,7 @@ constexpr std::int64_t longestBlendTicks = ticksPerSecond * 5 / 2;
 
 /// A mix that leaves this much unexplained is none; see Mixture::residual. Movement in the two
 /// scenes costs up to 0.3.
-constexpr float largestResidual = 0.4F;
+constexpr float largestResidual = 0.5F;
 
 /// The share may be off a steady course by so much: eased dissolves are off by 0.1, a cut by 0.25
 /// at least.
@@ -31,8 +31,8 @@ constexpr float largestDeviation = 0.25F;
 /// longer steady change, such as colours that drift.
 constexpr float largestPaceBeside = 0.75F;
 
-/// Ends less far apart than this are one scene.
-constexpr float smallestSeparation = 4.0F;
+/// Weaker blends are none, at whatever threshold: less than coding noise makes.
+constexpr float smallestStrength = 1.0F;
 
 /// Returns 1 for a perfect steady mix, 0 for none.
 float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
@@ -79,14 +79,15 @@ float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::siz
     return std::max(0.0F, 1 - beside / (largestPaceBeside * paceInside));
 }
 
+/// Returns the strength of the blend from `first` to `last`, or 0 where it does not exceed `least`.
 float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
-                 std::size_t last) {
+                 std::size_t last, float least) {
     const float steadiness = steadinessOf(window, first, number, last);
     if (steadiness <= 0) return 0;
     const float separation = separationOf(window, first, last);
-    if (separation < smallestSeparation) return 0;
-    return separation * steadiness *
-           quietnessBeside(window, first, last, separation / static_cast<float>(last - first));
+    if (separation * steadiness <= least) return 0;
+    const float paceInside = separation / static_cast<float>(last - first);
+    return separation * steadiness * quietnessBeside(window, first, last, paceInside);
 }
 
 }  // namespace
@@ -98,8 +99,9 @@ Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
         const WindowPicture& begin = window[number - half];
         const WindowPicture& end = window[number + half];
         if (end.positionTicks - begin.positionTicks > longestBlendTicks) break;
-        const float strength = strengthOf(window, number - half, number, number + half);
-        if (strength <= strongest.strength) continue;
+        const float least = std::max(strongest.strength, smallestStrength);
+        const float strength = strengthOf(window, number - half, number, number + half, least);
+        if (strength <= least) continue;
         const std::size_t frame = window[number].frame;
         strongest = {strength, static_cast<std::uint32_t>(frame - begin.frame),
                      static_cast<std::uint32_t>(end.frame - frame)};

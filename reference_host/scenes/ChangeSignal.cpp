@@ -12,8 +12,12 @@ namespace {
 /// a second; anything that stays longer is a shot of its own.
 constexpr std::int64_t longestFlashTicks = ticksPerSecond / 5;
 
+/// Pictures closer than this are as good as the same; 30 a second are all looked at, however their
+/// positions are rounded.
+constexpr std::int64_t comparedStepTicks = ticksPerSecond / 33;
+
 /// Less is no candidate for a cut whatever comes after it, and need not be looked into.
-constexpr float smallestChange = 3.0F;
+constexpr float smallestChange = 1.0F;
 
 }  // namespace
 
@@ -27,15 +31,23 @@ float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float c
     const WindowPicture& before = window[number - 1];
     const WindowPicture& here = window[number];
     float lasting = change;
+
+    std::int64_t compared = here.positionTicks;
     const std::size_t last = std::min(window.end() - 1, number + lastingReach);
     for (std::size_t i = number + 1; i <= last; ++i) {
-        if (window[i].positionTicks - here.positionTicks > longestFlashTicks) break;
+        const std::int64_t afterwards = window[i].positionTicks;
+        if (afterwards - here.positionTicks > longestFlashTicks) break;
+        if (afterwards - compared < comparedStepTicks) continue;
+        compared = afterwards;
         lasting = std::min(lasting, movedDifference(before.thumbnail, window[i].thumbnail));
     }
-    const std::size_t first =
-        std::max(window.begin(), number - 1 - std::min(number - 1, lastingReach));
+
+    compared = before.positionTicks;
+    const std::size_t first = number - 1 - std::min(number - 1 - window.begin(), lastingReach);
     for (std::size_t i = number - 1; i-- > first;) {
         if (here.positionTicks - window[i + 1].positionTicks > longestFlashTicks) break;
+        if (compared - window[i].positionTicks < comparedStepTicks) continue;
+        compared = window[i].positionTicks;
         lasting = std::min(lasting, movedDifference(window[i].thumbnail, here.thumbnail));
     }
     return lasting;

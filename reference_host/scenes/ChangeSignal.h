@@ -6,8 +6,9 @@
 
 namespace reference_host::scenes {
 
-/// How many pictures before and after one are looked at for its lasting change.
-constexpr std::size_t lastingReach = 8;
+/// How many pictures before and after one are looked at for its lasting change: a long flash at 120
+/// pictures a second.
+constexpr std::size_t lastingReach = 24;
 
 /// Returns how much the picture `number` differs from the one before it, beyond motion. 0 for the
 /// first of the window.

@@ -56,6 +56,13 @@ int bestBlockDifference(const Thumbnail& before, const Thumbnail& after, std::si
            blockDifference(after.v, offset, before.v, bestOffset);
 }
 
+int toneDifference(const Thumbnail::Plane& a, const Thumbnail::Plane& b) {
+    int sum = 0;
+    for (std::size_t i = 0; i < thumbnailPixels; ++i)
+        sum += std::abs(a[i] - b[i]);
+    return sum;
+}
+
 struct Sums {
     std::int32_t middleByEnd = 0;
     std::int32_t middleSquared = 0;
@@ -75,24 +82,10 @@ struct Sums {
 
 }  // namespace
 
-static int toneDifference(const Thumbnail::Plane& a, const Thumbnail::Plane& b) {
-    std::array<int, 256> surplus{};
-    for (std::size_t i = 0; i < thumbnailPixels; ++i) {
-        ++surplus[a[i]];
-        --surplus[b[i]];
-    }
-    int moved = 0;
-    int sum = 0;
-    for (const int count : surplus) {
-        moved += count;
-        sum += std::abs(moved);
-    }
-    return sum;
-}
-
 float movedDifference(const Thumbnail& before, const Thumbnail& after) {
-    int sum = (toneDifference(before.luma, after.luma) + toneDifference(before.u, after.u) +
-               toneDifference(before.v, after.v));
+    int sum = toneDifference(before.lumaTones, after.lumaTones) +
+              toneDifference(before.uTones, after.uTones) +
+              toneDifference(before.vTones, after.vTones);
     for (std::size_t y = 0; y < thumbnailHeightPx; y += blockHeightPx) {
         for (std::size_t x = 0; x < thumbnailWidthPx; x += blockWidthPx) {
             sum += bestBlockDifference(before, after, x, y);
@@ -105,11 +98,15 @@ Thumbnail inLightOf(const Thumbnail& model, const Thumbnail& picture) {
     const float contrast = std::max(contrastOf(picture), 1.0F);
     const float gain = std::clamp(contrastOf(model) / contrast, 1.0F / largestGain, largestGain);
     const float offset = brightnessOf(model) - gain * brightnessOf(picture) + 0.5F;
+    const auto light = [&](Thumbnail::Plane& plane) {
+        for (std::uint8_t& value : plane) {
+            const float lit = gain * static_cast<float>(value) + offset;
+            value = static_cast<std::uint8_t>(std::clamp(lit, 0.0F, 255.0F));
+        }
+    };
     Thumbnail result = picture;
-    for (std::uint8_t& value : result.luma) {
-        const float lit = gain * static_cast<float>(value) + offset;
-        value = static_cast<std::uint8_t>(std::clamp(lit, 0.0F, 255.0F));
-    }
+    light(result.luma);
+    light(result.lumaTones);
     return result;
 }
 

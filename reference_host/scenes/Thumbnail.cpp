@@ -4,6 +4,22 @@
 #include <cmath>
 
 namespace reference_host::scenes {
+namespace {
+
+/// Sorts by counting, which for bytes is far faster than comparing.
+Thumbnail::Plane sorted(const Thumbnail::Plane& plane) {
+    std::array<std::uint16_t, 256> counts{};
+    for (const std::uint8_t value : plane)
+        ++counts[value];
+    Thumbnail::Plane result;
+    auto out = result.begin();
+    for (std::size_t value = 0; value < counts.size(); ++value) {
+        out = std::fill_n(out, counts[value], static_cast<std::uint8_t>(value));
+    }
+    return result;
+}
+
+}  // namespace
 
 Thumbnail thumbnailOf(const PictureSample& picture) {
     constexpr std::size_t factor = lumaWidthPx / thumbnailWidthPx;
@@ -29,6 +45,9 @@ Thumbnail thumbnailOf(const PictureSample& picture) {
     }
     thumbnail.u = picture.u;
     thumbnail.v = picture.v;
+    thumbnail.lumaTones = sorted(thumbnail.luma);
+    thumbnail.uTones = sorted(thumbnail.u);
+    thumbnail.vTones = sorted(thumbnail.v);
     return thumbnail;
 }
 

@@ -20,6 +20,10 @@ struct Thumbnail {
     Plane luma;
     Plane u;
     Plane v;
+    /// The same values in ascending order: which tones the picture has, wherever they are.
+    Plane lumaTones;
+    Plane uTones;
+    Plane vTones;
 };
 
 /// Averages the picture's brightness down to the size of its colour.

@@ -15,10 +15,15 @@ constexpr float repeatedChange = 0.25F;
 constexpr std::size_t neighbours = 5;
 constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 
-/// Added to the neighbours' change, so that in still footage a change counts from the threshold
-/// times this on.
+/// Added to what is around a change, so that in still footage it counts from the threshold times
+/// this on; for pictures of ordinary contrast.
 constexpr double stillChange = 3.0;
 constexpr double stillBlend = 2.5;
+
+/// Ordinary contrast. In darker or flatter pictures everything is smaller, changes too; but the
+/// grain is not, from some point on.
+constexpr float ordinaryContrast = 32.0F;
+constexpr float smallestContrastShare = 0.25F;
 
 /// A cut is the largest change within so many frames.
 constexpr std::size_t cutClearance = 2;
@@ -62,6 +67,12 @@ private:
     double sum_ = 0;
     std::size_t count_ = 0;
 };
+
+/// Returns how large changes are between two pictures, in relation to ordinary ones.
+double scaleOf(const FrameSignal& a, const FrameSignal& b) {
+    const float contrast = std::max(a.contrast, b.contrast);
+    return std::clamp(contrast / ordinaryContrast, smallestContrastShare, 1.0F);
+}
 
 bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t frame) {
     const std::size_t first = frame - std::min(frame, cutClearance);
@@ -159,17 +170,23 @@ std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double th
     std::vector<Transition> cuts;
     for (std::size_t i = 1; i < signals.size(); ++i) {
         const double change = signals[i].lastingChange;
-        if (change < threshold * stillChange || !isLargestLastingChange(signals, i)) continue;
-        if (change < threshold * (Neighbourhood(signals, i).meanChange() + stillChange)) continue;
+        const double still = stillChange * scaleOf(signals[i - 1], signals[i]);
+        if (change < threshold * still || !isLargestLastingChange(signals, i)) continue;
+        if (change < threshold * (Neighbourhood(signals, i).meanChange() + still)) continue;
         cuts.push_back({i, i, i});
     }
     return cuts;
 }
 
 std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, double threshold) {
+    const auto scale = [&](std::size_t i) {
+        const Blend& blend = signals[i].blend;
+        return std::max(0.5,
+                        scaleOf(signals[i - blend.framesBefore], signals[i + blend.framesAfter]));
+    };
     std::vector<std::size_t> candidates;
     for (std::size_t i = 0; i < signals.size(); ++i) {
-        if (signals[i].blend.strength >= threshold * stillBlend) candidates.push_back(i);
+        if (signals[i].blend.strength >= threshold * stillBlend * scale(i)) candidates.push_back(i);
     }
     std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
         return signals[a].blend.strength > signals[b].blend.strength;
@@ -181,7 +198,7 @@ std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, doub
                                        [&](const Transition& t) { return overlaps(t, candidate); });
         if (taken) continue;
         const double beside = blendBeside(signals, candidate);
-        if (signals[i].blend.strength < threshold * (beside + stillBlend)) continue;
+        if (signals[i].blend.strength < threshold * (beside + stillBlend * scale(i))) continue;
         dissolves.push_back(candidate);
     }
     std::sort(dissolves.begin(), dissolves.end(),
