@@ -55,14 +55,14 @@ float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t
 }
 
 /// Returns how far two pictures of the window are apart by more than motion or light.
-float separationOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+Difference separationOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
     const Thumbnail& begin = window[first].thumbnail;
-    return movedDifference(begin, inLightOf(begin, window[last].thumbnail));
+    return differenceBetween(begin, inLightOf(begin, window[last].thumbnail));
 }
 
 /// Returns the separation for each picture from `first` to `last`.
 float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
-    return separationOf(window, first, last) / static_cast<float>(last - first);
+    return separationOf(window, first, last).overall / static_cast<float>(last - first);
 }
 
 /// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
@@ -84,7 +84,7 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
                  std::size_t last, float least) {
     const float steadiness = steadinessOf(window, first, number, last);
     if (steadiness <= 0) return 0;
-    const float separation = separationOf(window, first, last);
+    const float separation = separationOf(window, first, last).widespread;
     if (separation * steadiness <= least) return 0;
     const float paceInside = separation / static_cast<float>(last - first);
     return separation * steadiness * quietnessBeside(window, first, last, paceInside);

@@ -19,18 +19,19 @@ constexpr std::int64_t comparedStepTicks = ticksPerSecond / 33;
 /// Less is no candidate for a cut whatever comes after it, and need not be looked into.
 constexpr float smallestChange = 1.0F;
 
-}  // namespace
-
-float changeAt(const ThumbnailWindow& window, std::size_t number) {
-    if (number == window.begin()) return 0;
-    return movedDifference(window[number - 1].thumbnail, window[number].thumbnail);
+float widespreadDifference(const WindowPicture& before, const WindowPicture& after) {
+    return differenceBetween(before.thumbnail, after.thumbnail).widespread;
 }
 
-float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float change) {
-    if (number == window.begin() || change < smallestChange) return change;
+}  // namespace
+
+Change changeAt(const ThumbnailWindow& window, std::size_t number) {
+    if (number == window.begin()) return {};
     const WindowPicture& before = window[number - 1];
     const WindowPicture& here = window[number];
-    float lasting = change;
+    const Difference difference = differenceBetween(before.thumbnail, here.thumbnail);
+    float lasting = difference.widespread;
+    if (lasting < smallestChange) return {difference.overall, lasting};
 
     std::int64_t compared = here.positionTicks;
     const std::size_t last = std::min(window.end() - 1, number + lastingReach);
@@ -39,7 +40,7 @@ float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float c
         if (afterwards - here.positionTicks > longestFlashTicks) break;
         if (afterwards - compared < comparedStepTicks) continue;
         compared = afterwards;
-        lasting = std::min(lasting, movedDifference(before.thumbnail, window[i].thumbnail));
+        lasting = std::min(lasting, widespreadDifference(before, window[i]));
     }
 
     compared = before.positionTicks;
@@ -48,9 +49,9 @@ float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float c
         if (here.positionTicks - window[i + 1].positionTicks > longestFlashTicks) break;
         if (compared - window[i].positionTicks < comparedStepTicks) continue;
         compared = window[i].positionTicks;
-        lasting = std::min(lasting, movedDifference(window[i].thumbnail, here.thumbnail));
+        lasting = std::min(lasting, widespreadDifference(window[i], here));
     }
-    return lasting;
+    return {difference.overall, lasting};
 }
 
 }  // namespace reference_host::scenes

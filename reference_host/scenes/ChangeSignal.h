@@ -10,15 +10,19 @@ namespace reference_host::scenes {
 /// pictures a second.
 constexpr std::size_t lastingReach = 24;
 
-/// Returns how much the picture `number` differs from the one before it, beyond motion. 0 for the
-/// first of the window.
-float changeAt(const ThumbnailWindow& window, std::size_t number);
+/// What the pictures around one say about a change at it.
+struct Change {
+    /// The difference to the picture before.
+    float overall = 0;
+    /// The part of it that is widespread and lasts.
+    float lasting = 0;
+};
 
-/// Returns how much of `change`, which changeAt gave for the same picture, lasts.
+/// Compares the picture `number` with those around it. The first of the window has no change.
 ///
 /// A flash comes and goes: the picture before it is seen again after it. So the smallest difference
 /// counts between the picture before and any of those within a flash's length from `number` on, and
 /// between any of those within a flash's length before and the picture `number` itself.
-float lastingChangeAt(const ThumbnailWindow& window, std::size_t number, float change);
+Change changeAt(const ThumbnailWindow& window, std::size_t number);
 
 }  // namespace reference_host::scenes

@@ -4,12 +4,22 @@
 
 namespace reference_host::scenes {
 
-/// Returns how far two pictures are apart beyond what motion explains: the mean over all pixels of
-/// the differences in brightness and both colours, 0 to 765.
+/// How far two pictures are apart beyond what motion explains, in steps of brightness and colour
+/// for each pixel: 0 for equal ones, below 5 from one picture to the next in most scenes, 30 to 300
+/// between scenes.
+struct Difference {
+    float overall = 0;
+    /// The part that is not confined to a few places: a new scene differs everywhere, a window that
+    /// pops up or a title in one place.
+    float widespread = 0;
+};
+
+/// Compares two pictures, in two ways that are added.
 ///
-/// Each block of `after` is compared with the place near it in `before` that fits best, so that
-/// pans, zooms, shakes and small movements leave little.
-float movedDifference(const Thumbnail& before, const Thumbnail& after);
+/// Shape: each block of `after` is compared with the place near it in `before` that fits best, so
+/// that pans, zooms, shakes and small movements leave little. Tones: how far the values of all
+/// pixels, wherever they are, differ; they count for no more than the shape.
+Difference differenceBetween(const Thumbnail& before, const Thumbnail& after);
 
 /// Returns `picture` with its brightness shifted and stretched towards the mean and contrast of
 /// `model`: what is left between the two is no mere change of light.

@@ -25,9 +25,7 @@ void SignalBuilder::add(const PictureSample& picture) {
 
 void SignalBuilder::addForChange(const WindowPicture& picture) {
     changeWindow_.push(picture);
-    signals_.back().change = changeAt(changeWindow_, changeWindow_.end() - 1);
-    if (changeWindow_.end() > lastingReach)
-        setLastingChange(changeWindow_.end() - 1 - lastingReach);
+    if (changeWindow_.end() > lastingReach) setChange(changeWindow_.end() - 1 - lastingReach);
 }
 
 void SignalBuilder::addForBlend(const WindowPicture& picture) {
@@ -39,9 +37,11 @@ void SignalBuilder::addForBlend(const WindowPicture& picture) {
     if (blendWindow_.end() > blendReach) setBlend(blendWindow_.end() - 1 - blendReach);
 }
 
-void SignalBuilder::setLastingChange(std::size_t number) {
+void SignalBuilder::setChange(std::size_t number) {
     FrameSignal& signal = signals_[changeWindow_[number].frame];
-    signal.lastingChange = lastingChangeAt(changeWindow_, number, signal.change);
+    const Change change = changeAt(changeWindow_, number);
+    signal.change = change.overall;
+    signal.lastingChange = change.lasting;
 }
 
 void SignalBuilder::setBlend(std::size_t number) {
@@ -51,7 +51,7 @@ void SignalBuilder::setBlend(std::size_t number) {
 std::vector<FrameSignal> SignalBuilder::finish() {
     const std::size_t changes = changeWindow_.end();
     for (std::size_t i = changes - std::min(changes, lastingReach); i < changes; ++i) {
-        setLastingChange(i);
+        setChange(i);
     }
     const std::size_t blends = blendWindow_.end();
     for (std::size_t i = blends - std::min(blends, blendReach); i < blends; ++i)

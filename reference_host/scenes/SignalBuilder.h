@@ -26,7 +26,7 @@ public:
 private:
     void addForChange(const WindowPicture& picture);
     void addForBlend(const WindowPicture& picture);
-    void setLastingChange(std::size_t number);
+    void setChange(std::size_t number);
     void setBlend(std::size_t number);
 
     std::vector<FrameSignal> signals_;
