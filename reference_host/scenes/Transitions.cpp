@@ -1,7 +1,9 @@
 #include "reference_host/scenes/Transitions.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <numeric>
 #include <utility>
 
 namespace reference_host::scenes {
@@ -10,20 +12,23 @@ namespace {
 /// Changes below this differ from no change by the coder's noise only: a repeated picture.
 constexpr float repeatedChange = 0.25F;
 
-/// How many moving pictures on each side make a picture's neighbourhood, and how far it goes where
-/// pictures are rare.
+/// How many moving pictures on each side are a picture's neighbours, and how far they may be away
+/// where pictures are rare. Fewer follow noise, more reach into other movements.
 constexpr std::size_t neighbours = 5;
 constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 
-/// Added to what is around a change, so that in still footage it counts from the threshold times
-/// this on; for pictures of ordinary contrast.
+/// Added to what is around a change or blend, so that in still footage one counts from the
+/// threshold times this on. In ordinary footage, at the default threshold, 9 is what a sudden
+/// gesture in a still scene reaches, and the weakest cuts begin above 20.
 constexpr double stillChange = 3.0;
 constexpr double stillBlend = 2.5;
 
-/// Ordinary contrast. In darker or flatter pictures everything is smaller, changes too; but the
-/// grain is not, from some point on.
-constexpr float ordinaryContrast = 32.0F;
-constexpr float smallestContrastShare = 0.25F;
+/// Ordinary contrast. In darker or flatter pictures changes are smaller, and so is what is added
+/// above; but grain and the steps of 8 bits are not, so that it shrinks to a part only. A blend
+/// needs more: slow drifts of light in flat pictures look like weak ones.
+constexpr double ordinaryContrast = 32.0;
+constexpr double smallestChangeScale = 0.25;
+constexpr double smallestBlendScale = 0.5;
 
 /// A cut is the largest change within so many frames.
 constexpr std::size_t cutClearance = 2;
@@ -34,44 +39,38 @@ constexpr float plainContrast = 2.0F;
 /// A plain stretch that lasts longer is a scene of its own.
 constexpr std::int64_t longestPlainTicks = 2 * ticksPerSecond;
 
-/// The changes near a frame, without its own.
-class Neighbourhood {
-public:
-    Neighbourhood(std::span<const FrameSignal> signals, std::size_t frame)
-        : signals_(signals), position_(signals[frame].positionTicks) {
-        for (std::size_t i = frame, found = 0; i-- > 0 && found < neighbours && isNear(i);)
-            found += add(i);
-        for (std::size_t i = frame + 1, found = 0;
-             i < signals.size() && found < neighbours && isNear(i); ++i)
-            found += add(i);
+bool isNear(const FrameSignal& a, const FrameSignal& b) {
+    const auto [first, last] = std::minmax(a.positionTicks, b.positionTicks);
+    return last - first <= neighbourhoodTicks;
+}
+
+/// Returns the mean change of a frame's neighbours, without its own and without the largest of
+/// them, which may be another cut or a flash. Repeated pictures are skipped: they say nothing about
+/// how much the footage moves.
+double changeAround(std::span<const FrameSignal> signals, std::size_t frame) {
+    std::array<float, 2 * neighbours> changes{};
+    std::size_t count = 0;
+    const auto take = [&](std::size_t i) {
+        if (signals[i].change >= repeatedChange) changes[count++] = signals[i].change;
+    };
+    for (std::size_t i = frame;
+         i-- > 1 && count < neighbours && isNear(signals[i], signals[frame]);) {
+        take(i);
     }
-
-    double meanChange() const { return count_ == 0 ? 0 : sum_ / static_cast<double>(count_); }
-
-private:
-    bool isNear(std::size_t i) const {
-        return std::max(position_, signals_[i].positionTicks) -
-                   std::min(position_, signals_[i].positionTicks) <=
-               neighbourhoodTicks;
+    const std::size_t enough = count + neighbours;
+    for (std::size_t i = frame + 1;
+         i < signals.size() && count < enough && isNear(signals[i], signals[frame]); ++i) {
+        take(i);
     }
-
-    std::size_t add(std::size_t i) {
-        if (i == 0 || signals_[i].change < repeatedChange) return 0;
-        sum_ += signals_[i].change;
-        ++count_;
-        return 1;
-    }
-
-    std::span<const FrameSignal> signals_;
-    std::int64_t position_;
-    double sum_ = 0;
-    std::size_t count_ = 0;
-};
+    if (count < 2) return count == 0 ? 0 : changes[0];
+    const auto end = changes.begin() + count;
+    const double sum = std::accumulate(changes.begin(), end, 0.0);
+    return (sum - *std::max_element(changes.begin(), end)) / static_cast<double>(count - 1);
+}
 
 /// Returns how large changes are between two pictures, in relation to ordinary ones.
-double scaleOf(const FrameSignal& a, const FrameSignal& b) {
-    const float contrast = std::max(a.contrast, b.contrast);
-    return std::clamp(contrast / ordinaryContrast, smallestContrastShare, 1.0F);
+double scaleOf(const FrameSignal& a, const FrameSignal& b, double smallest) {
+    return std::clamp(std::max(a.contrast, b.contrast) / ordinaryContrast, smallest, 1.0);
 }
 
 bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t frame) {
@@ -119,6 +118,17 @@ bool isBefore(const Transition& a, const Transition& b) {
 bool isInMiddleOf(const Transition& dissolve, std::size_t frame) {
     const std::size_t quarter = (dissolve.end - dissolve.begin) / 4;
     return dissolve.begin + quarter <= frame && frame < dissolve.end - quarter;
+}
+
+/// Shortens a dissolve so that it holds none of the cuts, which are outside its middle.
+void endAtCuts(Transition& dissolve, std::span<const Transition> cuts) {
+    for (const Transition& cut : cuts) {
+        if (cut.boundary <= dissolve.boundary) {
+            dissolve.begin = std::max(dissolve.begin, cut.boundary);
+        } else {
+            dissolve.end = std::min(dissolve.end, cut.boundary);
+        }
+    }
 }
 
 /// Frames without contrast, from begin to before end.
@@ -170,23 +180,23 @@ std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double th
     std::vector<Transition> cuts;
     for (std::size_t i = 1; i < signals.size(); ++i) {
         const double change = signals[i].lastingChange;
-        const double still = stillChange * scaleOf(signals[i - 1], signals[i]);
+        const double still = stillChange * scaleOf(signals[i - 1], signals[i], smallestChangeScale);
         if (change < threshold * still || !isLargestLastingChange(signals, i)) continue;
-        if (change < threshold * (Neighbourhood(signals, i).meanChange() + still)) continue;
+        if (change < threshold * (changeAround(signals, i) + still)) continue;
         cuts.push_back({i, i, i});
     }
     return cuts;
 }
 
 std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, double threshold) {
-    const auto scale = [&](std::size_t i) {
+    const auto still = [&](std::size_t i) {
         const Blend& blend = signals[i].blend;
-        return std::max(0.5,
-                        scaleOf(signals[i - blend.framesBefore], signals[i + blend.framesAfter]));
+        return stillBlend * scaleOf(signals[i - blend.framesBefore], signals[i + blend.framesAfter],
+                                    smallestBlendScale);
     };
     std::vector<std::size_t> candidates;
     for (std::size_t i = 0; i < signals.size(); ++i) {
-        if (signals[i].blend.strength >= threshold * stillBlend * scale(i)) candidates.push_back(i);
+        if (signals[i].blend.strength >= threshold * still(i)) candidates.push_back(i);
     }
     std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
         return signals[a].blend.strength > signals[b].blend.strength;
@@ -198,7 +208,7 @@ std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, doub
                                        [&](const Transition& t) { return overlaps(t, candidate); });
         if (taken) continue;
         const double beside = blendBeside(signals, candidate);
-        if (signals[i].blend.strength < threshold * (beside + stillBlend * scale(i))) continue;
+        if (signals[i].blend.strength < threshold * (beside + still(i))) continue;
         dissolves.push_back(candidate);
     }
     std::sort(dissolves.begin(), dissolves.end(),
@@ -223,14 +233,16 @@ std::vector<Transition> joinFades(std::span<const FrameSignal> signals,
 }
 
 std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, double threshold) {
-    std::vector<Transition> transitions = findDissolves(signals, threshold);
-    std::vector<Transition> cuts = findCuts(signals, threshold);
-    std::erase_if(cuts, [&](const Transition& cut) {
-        return std::any_of(transitions.begin(), transitions.end(), [&](const Transition& dissolve) {
+    std::vector<Transition> dissolves = findDissolves(signals, threshold);
+    std::vector<Transition> transitions = findCuts(signals, threshold);
+    std::erase_if(transitions, [&](const Transition& cut) {
+        return std::any_of(dissolves.begin(), dissolves.end(), [&](const Transition& dissolve) {
             return isInMiddleOf(dissolve, cut.boundary);
         });
     });
-    transitions.insert(transitions.end(), cuts.begin(), cuts.end());
+    for (Transition& dissolve : dissolves)
+        endAtCuts(dissolve, transitions);
+    transitions.insert(transitions.end(), dissolves.begin(), dissolves.end());
     std::sort(transitions.begin(), transitions.end(), isBefore);
     return joinFades(signals, std::move(transitions));
 }
