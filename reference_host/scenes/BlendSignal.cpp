@@ -31,6 +31,10 @@ constexpr float largestDeviation = 0.25F;
 /// longer steady change, such as colours that drift.
 constexpr float largestPaceBeside = 0.75F;
 
+/// Motion explains more than half of the difference only between pictures of one scene; a slow pan
+/// by a pixel or two is a steady mix of its ends, too.
+constexpr float leastUnexplained = 0.5F;
+
 /// Weaker blends are none, at whatever threshold: less than coding noise makes.
 constexpr float smallestStrength = 2.0F;
 
@@ -91,6 +95,8 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
     if (steadiness <= 0) return 0;
     float separation = differenceOf(window, first, last);
     if (separation * steadiness <= least) return 0;
+    const float unmoved = unmovedDifference(window[first].thumbnail, window[last].thumbnail);
+    if (separation < leastUnexplained * unmoved) return 0;
     separation = std::min(separation, unlitDifferenceOf(window, first, last));
     if (separation * steadiness <= least) return 0;
     const float paceInside = separation / static_cast<float>(last - first);

@@ -143,6 +143,12 @@ Difference differenceBetween(const Thumbnail& before, const Thumbnail& after) {
             shape.widespread + std::min(shape.widespread, tones)};
 }
 
+float unmovedDifference(const Thumbnail& a, const Thumbnail& b) {
+    const int sum =
+        planeDifference(a.luma, b.luma) + planeDifference(a.u, b.u) + planeDifference(a.v, b.v);
+    return static_cast<float>(sum) / static_cast<float>(thumbnailPixels);
+}
+
 Thumbnail inLightOf(const Thumbnail& model, const Thumbnail& picture) {
     const float contrast = std::max(contrastOf(picture), 1.0F);
     const float gain = std::clamp(contrastOf(model) / contrast, 1.0F / largestGain, largestGain);

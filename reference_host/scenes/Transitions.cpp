@@ -25,7 +25,7 @@ constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 /// threshold times this on. In ordinary footage, at the default threshold, 9 is what a sudden
 /// gesture in a still scene reaches, and the weakest cuts begin above 20.
 constexpr double stillChange = 3.0;
-constexpr double stillBlend = 2.5;
+constexpr double stillBlend = 2.3;
 
 /// Ordinary contrast. In darker or flatter pictures changes are smaller, and so is what is added
 /// above; but grain and the steps of 8 bits are not, so that it shrinks to a part only. A blend

@@ -54,7 +54,7 @@ public:
 private:
     static constexpr std::size_t width = 512;
     static constexpr std::size_t height = 256;
-    static constexpr std::size_t cell = 24;
+    static constexpr std::size_t cell = 32;
     static constexpr std::size_t columns = width / cell + 2;
     static constexpr std::size_t rows = height / cell + 2;
 

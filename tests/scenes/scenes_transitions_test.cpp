@@ -162,8 +162,8 @@ TEST(Dissolves, PiecesThatFollowAtOnceAreOne) {
 
 TEST(Dissolves, NeedTheThresholdTimesTheLeast) {
     auto signals = quietSignals(200);
-    setBlend(signals, 50, 7.4F, 10);
-    setBlend(signals, 150, 7.6F, 10);
+    setBlend(signals, 50, 6.8F, 10);
+    setBlend(signals, 150, 7.0F, 10);
     EXPECT_EQ(boundariesOf(findDissolves(signals, 3.0)), Frames({150}));
 }
 
