@@ -31,6 +31,10 @@ constexpr float largestDeviation = 0.25F;
 /// longer steady change, such as colours that drift.
 constexpr float largestPaceBeside = 0.75F;
 
+/// How much the louder side beside a blend counts: enough to tell the first or last piece of a zoom
+/// from a dissolve, and not enough to lose one that follows a cut.
+constexpr float weightOfLouderSide = 0.4F;
+
 /// Motion explains more than half of the difference only between pictures of one scene; a slow pan
 /// by a pixel or two is a steady mix of its ends, too.
 constexpr float leastUnexplained = 0.5F;
@@ -75,16 +79,19 @@ float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last)
 }
 
 /// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
-/// those in it. The quieter side counts: the other may hold a cut, or the second half of a fade. A
-/// side cut short by the end of the footage tells nothing.
+/// those in it. The quieter side counts most, since the other may hold a cut or the second half of
+/// a fade. A side cut short by the end of the footage is taken to be like the other.
 float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::size_t last,
                       float paceInside) {
     const std::size_t half = (last - first) / 2;
     const bool hasBefore = first >= window.begin() + half;
     const bool hasAfter = last + half < window.end();
-    float beside = hasBefore || hasAfter ? std::numeric_limits<float>::max() : 0;
-    if (hasBefore) beside = paceOf(window, first - half, first);
-    if (hasAfter) beside = std::min(beside, paceOf(window, last, last + half));
+    if (!hasBefore && !hasAfter) return 1;
+    const float before = hasBefore ? paceOf(window, first - half, first) : 0;
+    const float after = hasAfter ? paceOf(window, last, last + half) : 0;
+    const float quieter = hasBefore && hasAfter ? std::min(before, after) : before + after;
+    const float louder = std::min(std::max(before, after), paceInside);
+    const float beside = std::max(quieter, weightOfLouderSide * louder);
     return std::max(0.0F, 1 - beside / (largestPaceBeside * paceInside));
 }
 
