@@ -143,9 +143,11 @@ void Container::chooseVideo() {
 bool Container::read(AVPacket& packet) {
     av_packet_unref(&packet);
     for (;;) {
+        const FirstError error;
         const int result = av_read_frame(context_.get(), &packet);
         if (result < 0) {
-            failed_ = result != AVERROR_EOF;
+            // Some formats tell an early end from a proper one in words only.
+            failed_ = result != AVERROR_EOF || !error.text().empty();
             return false;
         }
         if (packet.stream_index == video_->index) break;
