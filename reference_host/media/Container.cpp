@@ -69,13 +69,6 @@ std::pair<bool, std::int64_t> rankOf(const AVStream& stream) {
     return {isDefault, std::int64_t{stream.codecpar->width} * stream.codecpar->height};
 }
 
-void requireBearableSize(const AVCodecParameters& codec) {
-    if (std::int64_t{codec.width} * codec.height <= maxPicturePixels) return;
-    throw MediaError("its pictures of " + std::to_string(codec.width) + " by " +
-                     std::to_string(codec.height) + " pixels are beyond the limit of " +
-                     std::to_string(maxPicturePixels) + " pixels");
-}
-
 }  // namespace
 
 Container::Container(const std::filesystem::path& path, std::stop_token stop)
@@ -136,7 +129,6 @@ void Container::chooseVideo() {
         throw MediaError(hasAttached ? "it holds no video, only a cover picture"
                                      : "it holds no video and no picture");
     }
-    requireBearableSize(*video_->codecpar);
     video_->discard = AVDISCARD_DEFAULT;
 }
 
