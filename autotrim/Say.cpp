@@ -1,0 +1,15 @@
+#include "autotrim/Say.h"
+
+#include <cstdio>
+#include <string>
+
+#include "autotrim/Utf8.h"
+
+namespace autotrim {
+
+void say(std::string_view text) {
+    const std::string line = "autotrim: " + printable(text) + '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+}  // namespace autotrim
