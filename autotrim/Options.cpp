@@ -1,10 +1,12 @@
 #include "autotrim/Options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <map>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -73,6 +75,18 @@ std::string nonEmptyName(const std::string& text) {
     return text;
 }
 
+// CLI11 takes "[a,b]" for a list of two names. No argument holds a zero byte: one in front of a
+// bracket, put there before and taken away after parsing, keeps such a name whole.
+constexpr char guard = '\0';
+
+std::string guarded(const std::string& argument) {
+    return argument.rfind('[', 0) == 0 ? guard + argument : argument;
+}
+
+std::string unguarded(const std::string& argument) {
+    return argument.rfind(guard, 0) == 0 ? argument.substr(1) : argument;
+}
+
 /// Adds an option whose text `parse` turns into a value; what it throws is wrong use.
 template <typename Target, typename Parse>
 CLI::Option* addOption(CLI::App& app, const std::string& name, Target& target, Parse parse,
@@ -81,7 +95,7 @@ CLI::Option* addOption(CLI::App& app, const std::string& name, Target& target, P
         name,
         [name, &target, parse](const std::string& text) {
             try {
-                target = parse(text);
+                target = parse(unguarded(text));
             } catch (const std::invalid_argument& error) {
                 throw CLI::ValidationError(name, error.what());
             }
@@ -144,19 +158,20 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     app.set_version_flag("--version", "autotrim " AUTOTRIM_VERSION);
     app.footer(exitCodes);
     addOptions(app, options);
-    // Names are taken as raw results: converted to a list, "[a,b]" would become two names, and
-    // "{}" none.
+    // Names are taken as raw results: converted to a list, "{}" would be none at all.
     CLI::Option* const files = app.add_option("FILE")->required();
-    files->description("Videos and photos")->type_name("")->expected(1, -1);
-    files->allow_extra_args(false);
+    files->description("Videos and photos")->type_name("")->expected(1, -1)->allow_extra_args();
 
     try {
         // CLI11 takes the arguments from the back.
-        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        std::vector<std::string> stack(arguments.size());
+        std::transform(arguments.rbegin(), arguments.rend(), stack.begin(), guarded);
+        app.parse(std::move(stack));
     } catch (const CLI::ParseError& error) {
         return answerTo(app, error);
     }
-    options.files = files->results();
+    for (const std::string& file : files->results())
+        options.files.push_back(unguarded(file));
     return options;
 }
 
