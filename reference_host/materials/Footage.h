@@ -1,0 +1,53 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "reference_host/ReferenceHost.h"
+#include "reference_host/media/FootageFacts.h"
+#include "reference_host/scenes/FootageRecord.h"
+
+namespace reference_host {
+
+/// A media file and what has become of it. Materials and the runs that read it share it, so that a
+/// run may outlive its material. Any thread.
+class Footage {
+public:
+    /// `cacheDirectory` is UTF-8, empty where nothing may be kept.
+    Footage(std::filesystem::path file, media::FootageFacts facts, std::string cacheDirectory);
+
+    const std::filesystem::path& file() const { return file_; }
+    const media::FootageFacts& facts() const { return facts_; }
+
+    /// Returns the directory for what is computed; empty after a failure.
+    const char* cacheDirectory() const { return failed_ ? "" : cacheDirectory_.c_str(); }
+
+    void noteAnalysis();
+
+    /// Takes the reason of a failed task; the first one is reported.
+    void noteFailure(const std::string& reason);
+
+    /// Takes a warning; one that is known already is not repeated.
+    void noteWarning(const std::string& warning);
+
+    MaterialReport report() const;
+
+    /// The record of the last complete decode, or null. It spares a task that looks for keyframes
+    /// in known scenes another decode.
+    std::shared_ptr<const scenes::FootageRecord> record() const;
+    void keepRecord(std::shared_ptr<const scenes::FootageRecord> record);
+
+private:
+    const std::filesystem::path file_;
+    const media::FootageFacts facts_;
+    const std::string cacheDirectory_;
+    std::atomic<bool> failed_{false};
+    mutable std::mutex mutex_;
+    MaterialReport report_;
+    std::shared_ptr<const scenes::FootageRecord> record_;
+};
+
+}  // namespace reference_host

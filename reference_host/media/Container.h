@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+
+#include "reference_host/media/AvPointers.h"
+#include "reference_host/media/RegularFile.h"
+
+namespace reference_host::media {
+
+/// A media file whose one video stream is read packet by packet. Belongs to one thread at a time.
+///
+/// The file is judged by its content alone, and nothing but this file is ever opened: a playlist,
+/// an external reference or a name with a meaning of its own leads nowhere.
+class Container {
+public:
+    /// Opens `path`. Reading gives up soon after `stop` is requested. Throws MediaError.
+    Container(const std::filesystem::path& path, std::stop_token stop);
+
+    /// The stream of moving or still pictures; cover art does not count.
+    const AVStream& video() const { return *video_; }
+
+    /// Reads the video's next packet. False at the end, or where reading cannot go on.
+    bool read(AVPacket& packet);
+
+    /// Says whether reading came to its end by an error, or before the end that the file's own
+    /// index promises. Ask after the last read.
+    bool endedEarly() const;
+
+private:
+    static int readBytes(void* self, std::uint8_t* buffer, int size);
+    static std::int64_t seekBytes(void* self, std::int64_t offset, int whence);
+    static int isStopped(void* self);
+
+    void open();
+    void inspectStreams();
+    void chooseVideo();
+
+    std::stop_token stop_;
+    RegularFile file_;
+    std::int64_t offset_ = 0;
+    AvPointer<AVIOContext> io_;
+    AvPointer<AVFormatContext> context_;
+    AVStream* video_ = nullptr;
+    std::int64_t packets_ = 0;
+    bool failed_ = false;
+};
+
+}  // namespace reference_host::media

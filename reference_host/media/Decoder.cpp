@@ -1,0 +1,69 @@
+#include "reference_host/media/Decoder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <string>
+#include <thread>
+
+#include "reference_host/media/Limits.h"
+#include "reference_host/media/MediaError.h"
+#include "reference_host/media/Messages.h"
+
+namespace reference_host::media {
+namespace {
+
+/// Each thread of the decoder holds a whole frame or more, and beyond these few the reader of the
+/// frames is what takes the time.
+constexpr unsigned maxThreads = 4;
+
+/// Beyond about 8K, memory counts for more than speed.
+constexpr std::int64_t maxPixelsForThreads = std::int64_t{1} << 26;
+
+int threadCount(const AVCodecParameters& codec, Decoder::Threads threads) {
+    const bool large = std::int64_t{codec.width} * codec.height > maxPixelsForThreads;
+    if (threads == Decoder::Threads::one || large) return 1;
+    return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, maxThreads));
+}
+
+}  // namespace
+
+Decoder::Decoder(const AVStream& stream, Threads threads) : frame_(adopt(av_frame_alloc())) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
+    if (codec == nullptr) {
+        throw MediaError(std::string("there is no decoder for its format ") +
+                         avcodec_get_name(parameters.codec_id));
+    }
+    context_ = adopt(avcodec_alloc_context3(codec));
+    if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
+    context_->pkt_timebase = stream.time_base;
+    context_->max_pixels = maxPicturePixels;
+    context_->thread_count = threadCount(parameters, threads);
+    const FirstError error;
+    if (avcodec_open2(context_.get(), codec, nullptr) < 0) {
+        throw MediaError(error.explain("its pictures cannot be decoded"));
+    }
+}
+
+void Decoder::send(const AVPacket* packet) {
+    const int result = avcodec_send_packet(context_.get(), packet);
+    if (result < 0 && result != AVERROR_EOF) ++lost_;
+}
+
+const AVFrame* Decoder::receive() {
+    for (;;) {
+        const int result = avcodec_receive_frame(context_.get(), frame_.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return nullptr;
+        if (result < 0) {
+            ++lost_;
+            continue;
+        }
+        ++decoded_;
+        if (frame_->decode_error_flags != 0 || (frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0) {
+            ++incomplete_;
+        }
+        return frame_.get();
+    }
+}
+
+}  // namespace reference_host::media

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+
+#include "reference_host/media/AvPointers.h"
+
+namespace reference_host::media {
+
+/// Decodes the packets of one video stream into frames, in the order in which they are shown.
+/// Belongs to one thread at a time.
+class Decoder {
+public:
+    enum class Threads {
+        one,     ///< a frame comes as soon as its packets are there
+        several  ///< as fast as the machine allows; frames come some packets later
+    };
+
+    /// Throws MediaError where the stream cannot be decoded.
+    Decoder(const AVStream& stream, Threads threads);
+
+    /// Takes the next packet, or null at the end. Call it when receive() has given null.
+    void send(const AVPacket* packet);
+
+    /// Returns the next frame, valid until the next call; null where another packet is needed, or
+    /// after the last frame. What cannot be decoded is passed over and counted.
+    const AVFrame* receive();
+
+    /// Frames received so far.
+    std::int64_t decoded() const { return decoded_; }
+
+    /// How many frames were lost, or received with parts made up by the decoder.
+    std::int64_t damaged() const { return lost_ + incomplete_; }
+
+    /// All frames that were met, lost ones included.
+    std::int64_t met() const { return decoded_ + lost_; }
+
+private:
+    AvPointer<AVCodecContext> context_;
+    AvPointer<AVFrame> frame_;
+    std::int64_t decoded_ = 0;
+    std::int64_t incomplete_ = 0;
+    std::int64_t lost_ = 0;
+};
+
+}  // namespace reference_host::media

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+#include "host/status.h"
+
+namespace reference_host::media {
+
+/// More than the largest cameras give (about 200 million). A file can claim any size in a few
+/// bytes, and a picture of this one already takes 400 MB and more.
+constexpr std::int64_t maxPicturePixels = std::int64_t{1} << 28;
+
+/// About a hundred years. Timestamps are free to claim anything; below this, a hundred thousand
+/// durations can still be multiplied and added up without care.
+constexpr std::int64_t maxDurationTicks = std::int64_t{100} * 366 * 24 * 3600 * KOR::ticksPerSecond;
+
+}  // namespace reference_host::media

@@ -1,0 +1,112 @@
+#include "reference_host/media/inspect.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "reference_host/media/Container.h"
+#include "reference_host/media/Decoder.h"
+#include "reference_host/media/FrameClock.h"
+#include "reference_host/media/MediaError.h"
+#include "reference_host/media/Messages.h"
+
+namespace reference_host::media {
+namespace {
+
+/// Decodes until it is known whether there is more than one picture.
+class FirstPictures {
+public:
+    explicit FirstPictures(const AVStream& stream)
+        : decoder_(stream, Decoder::Threads::one), clock_(stream) {}
+
+    void add(const AVPacket* packet) {
+        if (count_ > 1) return;
+        decoder_.send(packet);
+        while (const AVFrame* frame = decoder_.receive()) {
+            if (count_++ == 0) origin_ = clock_.timestampOf(*frame);
+        }
+    }
+
+    std::int64_t count() const { return count_; }
+    std::int64_t origin() const { return origin_; }
+
+private:
+    Decoder decoder_;
+    FrameClock clock_;
+    std::int64_t count_ = 0;
+    std::int64_t origin_ = 0;
+};
+
+/// The frames as the packets announce them.
+class Packets {
+public:
+    void add(const AVPacket& packet) {
+        // Decoded for others' sake only, never shown.
+        if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) return;
+        if (packet.pts == AV_NOPTS_VALUE) {
+            complete_ = false;
+        } else {
+            lastFrame_.add(packet.pts, packet.duration);
+        }
+    }
+
+    bool complete() const { return complete_; }
+    const LastFrame& lastFrame() const { return lastFrame_; }
+
+private:
+    LastFrame lastFrame_;
+    bool complete_ = true;
+};
+
+LastFrame decodeToTheEnd(const std::filesystem::path& file) {
+    Container container(file, {});
+    Decoder decoder(container.video(), Decoder::Threads::several);
+    FrameClock clock(container.video());
+    LastFrame last;
+    const auto packet = adopt(av_packet_alloc());
+    for (bool more = true; more;) {
+        more = container.read(*packet);
+        decoder.send(more ? packet.get() : nullptr);
+        while (const AVFrame* frame = decoder.receive()) {
+            last.add(clock.timestampOf(*frame), frame->pkt_duration);
+        }
+    }
+    return last;
+}
+
+std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int64_t origin) {
+    const std::optional<std::int64_t> end = last.end(clock.ordinaryDistance());
+    const std::optional<std::int64_t> duration =
+        end ? clock.positionOf(*end, origin) : std::nullopt;
+    if (!duration) throw MediaError("its timestamps are out of any sensible range");
+    return std::max<std::int64_t>(*duration, 1);
+}
+
+}  // namespace
+
+FootageFacts inspect(const std::filesystem::path& file) {
+    const FirstError error;
+    Container container(file, {});
+    FirstPictures pictures(container.video());
+    Packets packets;
+    const auto packet = adopt(av_packet_alloc());
+    while (container.read(*packet)) {
+        packets.add(*packet);
+        pictures.add(packet.get());
+    }
+    pictures.add(nullptr);
+    if (pictures.count() == 0) throw MediaError(error.explain("no picture could be decoded"));
+
+    FootageFacts facts;
+    facts.originTimestamp = pictures.origin();
+    if (container.endedEarly()) {
+        facts.warnings.emplace_back("damaged: the file ends before its last frame");
+    }
+    if (pictures.count() == 1) return facts;
+
+    facts.isVideo = true;
+    const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file);
+    facts.durationTicks = durationOf(last, FrameClock(container.video()), pictures.origin());
+    return facts;
+}
+
+}  // namespace reference_host::media

@@ -1,0 +1,104 @@
+#include "reference_host/scenes/KeyFrameChoice.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <span>
+
+namespace reference_host::scenes {
+namespace {
+
+constexpr std::int64_t ticksPerSecond = 10'000'000;
+
+using Frames = std::span<const FrameRecord>;
+
+/// Returns the frames whose position is in `range`.
+Frames framesWithin(Frames frames, KOR::TickRange range) {
+    const auto before = [](const FrameRecord& frame, std::int64_t position) {
+        return frame.positionTicks < position;
+    };
+    const auto first = std::lower_bound(frames.begin(), frames.end(), range.begin, before);
+    const auto last =
+        std::lower_bound(first, frames.end(), std::max(range.begin, range.end), before);
+    return {first, last};
+}
+
+/// Takes the margins off both ends; where nothing would be left, one frame stays, which divides the
+/// others in the margins' proportion.
+Frames withoutMargins(Frames frames, const KOR::KeyFrameParameters& parameters) {
+    const std::size_t begin = static_cast<std::size_t>(std::max(0, parameters.marginFramesBegin));
+    const std::size_t end = static_cast<std::size_t>(std::max(0, parameters.marginFramesEnd));
+    if (begin + end < frames.size()) return frames.subspan(begin, frames.size() - begin - end);
+    const double share = static_cast<double>(begin) / static_cast<double>(begin + end);
+    return frames.subspan(static_cast<std::size_t>(share * static_cast<double>(frames.size() - 1)),
+                          1);
+}
+
+/// Returns how many keyframes a range of this length is worth.
+std::size_t wantedCount(std::int64_t lengthTicks, const KOR::KeyFrameParameters& parameters) {
+    const std::int64_t stretch = std::max(1, parameters.secondsPerKeyFrame) * ticksPerSecond;
+    const std::int64_t started = lengthTicks / stretch + (lengthTicks % stretch != 0 ? 1 : 0);
+    return static_cast<std::size_t>(
+        std::clamp<std::int64_t>(started, 1, std::max(1, parameters.maxPerScene)));
+}
+
+/// Returns the frame of `frames` that is shown at `positionTicks`, or the first.
+const FrameRecord& frameShownAt(Frames frames, double positionTicks) {
+    const auto next = std::upper_bound(
+        frames.begin(), frames.end(), positionTicks, [](double position, const FrameRecord& frame) {
+            return position < static_cast<double>(frame.positionTicks);
+        });
+    return next == frames.begin() ? *next : *std::prev(next);
+}
+
+/// Appends `count` frames, the sharpest of some that lie in the middle half of each of `count`
+/// equal stretches: so two of them are never closer than half a stretch.
+void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
+                std::vector<std::int64_t>& chosen) {
+    const double begin = static_cast<double>(frames.front().positionTicks);
+    const double stretch =
+        (static_cast<double>(frames.back().positionTicks) - begin) / static_cast<double>(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const FrameRecord* best = nullptr;
+        for (std::size_t k = 0; k < candidates; ++k) {
+            const double within =
+                0.25 + 0.5 * (static_cast<double>(k) + 0.5) / static_cast<double>(candidates);
+            const FrameRecord& frame =
+                frameShownAt(frames, begin + stretch * (static_cast<double>(i) + within));
+            if (best == nullptr || frame.sharpness > best->sharpness) best = &frame;
+        }
+        chosen.push_back(best->positionTicks);
+    }
+}
+
+}  // namespace
+
+std::vector<std::int64_t> chooseKeyFrames(const FootageRecord& footage,
+                                          const std::vector<KOR::TickRange>& ranges,
+                                          const KOR::KeyFrameParameters& parameters) {
+    std::vector<FrameRecord> pureFrames;
+    std::copy_if(footage.frames.begin(), footage.frames.end(), std::back_inserter(pureFrames),
+                 [](const FrameRecord& frame) { return !frame.inTransition; });
+    std::vector<std::int64_t> chosen;
+    for (const KOR::TickRange& range : ranges) {
+        const Frames all = framesWithin(footage.frames, range);
+        if (all.empty()) continue;
+        const Frames inner = withoutMargins(all, parameters);
+        const Frames pure =
+            framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
+        const Frames eligible = pure.empty() ? inner : pure;
+        const std::int64_t end =
+            std::max(all.back().positionTicks + 1, std::min(range.end, footage.durationTicks));
+        const std::int64_t begin =
+            std::max<std::int64_t>(0, std::min(range.begin, all.front().positionTicks));
+        const std::size_t count = std::min(wantedCount(end - begin, parameters), eligible.size());
+        const auto candidates =
+            static_cast<std::size_t>(std::max(1, parameters.candidatesPerKeyFrame));
+        chooseFrom(eligible, count, std::min(candidates, eligible.size() / count + 1), chosen);
+    }
+    std::sort(chosen.begin(), chosen.end());
+    chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
+    return chosen;
+}
+
+}  // namespace reference_host::scenes
