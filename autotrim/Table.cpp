@@ -54,6 +54,7 @@ std::string timeCode(std::int64_t ticks) {
 std::string toTable(const FileReport& report) {
     if (report.outcome == Outcome::failed) return {};
     std::string text = heading(report);
+    if (report.type == MaterialType::photo) return text;
     if (report.results.empty()) return text + "  no scene was kept\n";
 
     text += fmt::format("  {:>5}  {:<12}    {:<12}  {:<13}  {}\n", "scene", "begin", "end",

@@ -11,8 +11,9 @@ namespace autotrim {
 /// Rounded to the nearest millisecond.
 std::string timeCode(std::int64_t ticks);
 
-/// Returns the records of one file for people to read: a heading, and a line per record. Nothing
-/// for a file that failed, of which its error tells.
+/// Returns the records of one file for people to read: a heading, and a line per record; of a
+/// photo, which has no times, the heading alone. Nothing for a file that failed, of which its error
+/// tells.
 std::string toTable(const FileReport& report);
 
 }  // namespace autotrim

@@ -1,8 +1,8 @@
-#include "autotrim/ComponentLibrary.h"
-
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+
+#include "autotrim/ComponentLibrary.h"
 
 namespace autotrim {
 namespace {

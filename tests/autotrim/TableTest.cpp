@@ -55,9 +55,12 @@ TEST(Table, SaysWhereRecordsComeFrom) {
     EXPECT_EQ(headingOf(video(Outcome::restored)), "clip.mp4  00:00:12.000  (from the cache)");
     EXPECT_EQ(headingOf(video(Outcome::byDefault)),
               "clip.mp4  00:00:12.000  (too short to analyse: kept whole)");
+}
+
+TEST(Table, IsTheHeadingAloneForAPhoto) {
     FileReport photo = video(Outcome::byDefault);
     photo.type = MaterialType::photo;
-    EXPECT_EQ(headingOf(photo), "clip.mp4  (photo: kept whole)");
+    EXPECT_EQ(toTable(photo), "clip.mp4  (photo: kept whole)\n");
 }
 
 TEST(Table, SaysThatNothingWasKept) {
