@@ -19,7 +19,7 @@ InterruptWatch::InterruptWatch(std::function<void()> onInterrupt)
 
 InterruptWatch::~InterruptWatch() {
     done_ = true;
-    pthread_kill(thread_.native_handle(), SIGTERM);
+    pthread_kill(thread_.native_handle(), SIGINT);
     thread_.join();
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }

@@ -28,7 +28,7 @@ constexpr std::size_t shortestName = 12;
 
 std::string bar(int percent, std::size_t cells) {
     const std::size_t done = cells * static_cast<std::size_t>(percent) / 100;
-    return "[" + std::string(done, '=') + std::string(cells - done, ' ') + "]";
+    return fmt::format("[{}{}]", std::string(done, '='), std::string(cells - done, ' '));
 }
 
 std::string placedName(const Progress& progress, std::size_t columns) {
@@ -44,7 +44,7 @@ std::string progressBar(const Progress& progress, std::optional<std::chrono::sec
                         std::size_t columns) {
     const int percent = std::clamp(progress.percent, 0, 100);
     std::string numbers = fmt::format("{:3}%", percent);
-    if (left) numbers += "  " + shortTime(*left) + " left";
+    if (left) numbers += fmt::format("  {} left", shortTime(*left));
     if (numbers.size() > columns) return fmt::format("{:3}%", percent).substr(0, columns);
 
     std::size_t room = columns - numbers.size();
@@ -58,7 +58,7 @@ std::string progressBar(const Progress& progress, std::optional<std::chrono::sec
     }
     line += numbers;
     constexpr std::size_t gap = 2;
-    if (room >= gap + shortestName) line += "  " + placedName(progress, room - gap);
+    if (room >= gap + shortestName) line += fmt::format("  {}", placedName(progress, room - gap));
     return line;
 }
 

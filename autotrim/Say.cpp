@@ -12,4 +12,8 @@ void say(std::string_view text) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+void say(std::string_view file, std::string_view text) {
+    say(std::string(file).append(": ").append(text));
+}
+
 }  // namespace autotrim

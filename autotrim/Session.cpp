@@ -26,7 +26,7 @@ void openFiles(Materials& materials, const Options& options, const RunMonitor& m
         const std::string error = materials.open(file, options.cacheRoot);
         if (error.empty()) continue;
         display.clear();
-        say(file + ": " + error);
+        say(file, error);
     }
 }
 
@@ -78,11 +78,11 @@ RunEnd run(KOR::IKorMaterialAnalysis& component, const Materials& materials, con
 /// that an interrupt left behind are counted.
 void tellTroubles(const Report& report, const Materials& materials, RunEnd end) {
     for (const auto& [file, text] : materials.warnings())
-        say(file + ": warning: " + text);
+        say(file, "warning: " + text);
     for (const FileReport& file : report.files) {
         const bool opened = file.type.has_value();
         if (opened && !file.error.empty() && file.error != interruptedReason) {
-            say(file.file + ": " + file.error);
+            say(file.file, file.error);
         }
     }
     if (end == RunEnd::interrupted) say("interrupted");

@@ -91,7 +91,7 @@ int start(const std::vector<std::string>& arguments) {
     const auto& options = std::get<Options>(parsed);
     const std::string inDanger = fileInDanger(options);
     if (!inDanger.empty()) {
-        say(inDanger + ": the file to be analysed would be overwritten");
+        say(inDanger, "the file to be analysed would be overwritten");
         return exitWrongUse;
     }
     return run(options);

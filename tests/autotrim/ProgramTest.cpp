@@ -1,7 +1,6 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -269,8 +268,9 @@ TEST(Program, DrawsABarOnATerminalAndClearsIt) {
     ASSERT_GT(ended.errors.size(), clear.size());
     EXPECT_EQ(ended.errors.substr(ended.errors.size() - clear.size()), clear);
     EXPECT_EQ(ended.errors.find('\n'), std::string::npos);
-    const std::regex bar(R"(\r\[=+ +\] +[0-9]+%  [0-9]+:[0-9]{2} left  long\.mp4)");
-    EXPECT_TRUE(std::regex_search(ended.errors, bar)) << ended.errors;
+    EXPECT_NE(ended.errors.find("\r[="), std::string::npos) << ended.errors;
+    EXPECT_NE(ended.errors.find("%  0:0"), std::string::npos) << ended.errors;
+    EXPECT_NE(ended.errors.find(" left  long.mp4\x1B[K"), std::string::npos) << ended.errors;
 }
 
 TEST(Program, ShowsNoBarWhenNoneIsWanted) {
@@ -296,7 +296,7 @@ TEST_P(InterruptedProgram, KeepsWhatWasFinished) {
     EXPECT_EQ(materials[0]["outcome"], "analysed");
     EXPECT_EQ(withoutFaces(onlyCachedResult(cache.path())["result"]),
               withoutFaces(materials[0]["results"]));
-    for (const std::size_t unfinished : {1, 2}) {
+    for (const std::size_t unfinished : {1U, 2U}) {
         EXPECT_EQ(materials[unfinished]["outcome"], "failed");
         EXPECT_EQ(materials[unfinished]["error"], "interrupted");
         EXPECT_TRUE(materials[unfinished]["results"].empty());
