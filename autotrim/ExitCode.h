@@ -1,0 +1,12 @@
+#pragma once
+
+namespace autotrim {
+
+constexpr int exitAllDone = 0;
+/// Some file failed, or a result could not be written; what could be done is done.
+constexpr int exitSomeFailed = 1;
+constexpr int exitWrongUse = 2;
+/// As shells report a program that SIGINT ended.
+constexpr int exitInterrupted = 130;
+
+}  // namespace autotrim

@@ -1,0 +1,135 @@
+#include "autotrim/Materials.h"
+
+#include <map>
+#include <stdexcept>
+#include <utility>
+
+#include "host/lists.h"
+#include "reference_host/ReferenceHost.h"
+
+namespace autotrim {
+namespace {
+
+using RecordsOfMedia = std::map<const KOR::IDmBaseMedia*, std::vector<Record>>;
+
+MaterialType typeOf(KOR::IDmBaseMedia& media) {
+    switch (media.getMediaType()) {
+        case KOR::mediaTypeAudioVideo:
+        case KOR::mediaTypeVideo:
+        case KOR::mediaTypeSequence:
+            return MaterialType::video;
+        default:
+            return MaterialType::photo;
+    }
+}
+
+Record recordOf(const KOR::MaterialAnalysisResult& result) {
+    const KOR::KorRect& face = result.faceRectOfPhoto;
+    return {result.score,
+            result.begin,
+            result.end,
+            result.posOfMaxScore,
+            {face.x, face.y, face.width, face.height}};
+}
+
+/// Takes the records out of the component. Which material each is of shows in its media pointer:
+/// names may occur twice.
+RecordsOfMedia takeRecords(KOR::IKorMaterialAnalysis& component) {
+    const Owned<KOR::IKORVoidPtrList> list(createKORAutoVoidPtrList());
+    if (!list || component.getResults(list.get()) != KOR::statusOk) {
+        throw std::runtime_error("the component does not give its results");
+    }
+    RecordsOfMedia records;
+    for (std::int64_t i = 0; i < list->count(); ++i) {
+        const auto* result = static_cast<const KOR::MaterialAnalysisResult*>(list->at(i));
+        records[result->media].push_back(recordOf(*result));
+        // Each copy comes with two references on its material.
+        result->media->release();
+        result->media->release();
+    }
+    return records;
+}
+
+}  // namespace
+
+std::string Materials::open(const std::string& file, const std::filesystem::path& cacheRoot) {
+    const auto imported = reference_host::importMaterial(file, cacheRoot);
+    Entry entry;
+    entry.report.file = file;
+    entry.report.error = imported.error;
+    entry.object.reset(imported.object);
+    if (entry.object) {
+        entry.media =
+            static_cast<KOR::IDmBaseMedia*>(imported.object->queryInterface("IDmBaseMedia"));
+        entry.report.type = typeOf(*entry.media);
+        entry.report.duration = entry.media->getDuration();
+    }
+    entries_.push_back(std::move(entry));
+    return imported.error;
+}
+
+void Materials::skip(const std::string& file, const std::string& reason) {
+    Entry entry;
+    entry.report.file = file;
+    entry.report.error = reason;
+    entries_.push_back(std::move(entry));
+}
+
+bool Materials::empty() const {
+    for (const Entry& entry : entries_) {
+        if (entry.object) return false;
+    }
+    return true;
+}
+
+void Materials::insertInto(KOR::IKorMaterialAnalysis& component) const {
+    const Owned<KOR::IKORVoidPtrList> list(createKORVoidPtrList());
+    bool good = list != nullptr;
+    for (const Entry& entry : entries_) {
+        if (good && entry.object) good = list->append(entry.object.get()) == KOR::statusOk;
+    }
+    if (!good || component.insertMaterials(list.get(), 0) != KOR::statusOk) {
+        throw std::runtime_error("the component does not take the materials");
+    }
+}
+
+std::size_t Materials::latestBegun() const {
+    for (std::size_t i = entries_.size(); i-- > 0;) {
+        const Entry& entry = entries_[i];
+        if (entry.object && reference_host::reportOf(*entry.object).analysed) return i;
+    }
+    return 0;
+}
+
+std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
+                                           std::int32_t minLengthSeconds) const {
+    RecordsOfMedia records = takeRecords(component);
+    std::vector<FileReport> reports(entries_.size());
+    // From the last to the first, as a run that has touched a material has passed those before it.
+    bool passed = end == RunEnd::complete;
+    for (std::size_t i = entries_.size(); i-- > 0;) {
+        const Entry& entry = entries_[i];
+        reports[i] = entry.report;
+        if (!entry.object) continue;
+        const auto facts = reference_host::reportOf(*entry.object);
+        reports[i].results = std::move(records[entry.media]);
+        const bool hasRecords = !reports[i].results.empty();
+        decideOutcome(reports[i], {facts.analysed, hasRecords, passed, facts.failure}, end,
+                      minLengthSeconds);
+        passed = passed || facts.analysed || hasRecords;
+    }
+    return reports;
+}
+
+std::vector<Materials::Warning> Materials::warnings() const {
+    std::vector<Warning> warnings;
+    for (const Entry& entry : entries_) {
+        if (!entry.object) continue;
+        for (const std::string& text : reference_host::reportOf(*entry.object).warnings) {
+            warnings.push_back({entry.report.file, text});
+        }
+    }
+    return warnings;
+}
+
+}  // namespace autotrim

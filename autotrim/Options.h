@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "autotrim/Kinds.h"
+
+namespace autotrim {
+
+/// How the progress of a run is shown, always on the standard error.
+enum class ProgressStyle {
+    automatic,  ///< a bar on a terminal, otherwise nothing
+    machine,    ///< one JSON object per line
+    none,
+};
+
+/// What the command line asks for.
+struct Options {
+    std::vector<std::string> files;  ///< as given; at least one
+    Kinds kinds = {4, 3};
+    std::int32_t minSceneSeconds = 2;   ///< 0 or more
+    std::int32_t minLengthSeconds = 2;  ///< 0 or more
+    double threshold = 3.0;             ///< finite, above 0
+    std::filesystem::path cacheRoot;    ///< empty: nothing is kept
+    std::optional<std::string> json;    ///< a file's name, or jsonToStdout
+    ProgressStyle progress = ProgressStyle::automatic;
+    std::optional<std::filesystem::path> log;
+};
+
+/// The name that sends the JSON to the standard output.
+constexpr const char* jsonToStdout = "-";
+
+/// What is to be said instead of a run, after --help, --version or wrong use.
+struct Answer {
+    int exitCode;
+    std::string
+        text;  ///< whole lines, for the standard output when `exitCode` is 0, else the error
+};
+
+/// The environment variables that have a say; empty where they are not set.
+struct Environment {
+    std::string cacheHome;  ///< XDG_CACHE_HOME; counts when it is absolute
+    std::string home;       ///< HOME
+};
+
+/// Reads a command line, `arguments` being what follows the program's name.
+std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments,
+                                           const Environment& environment);
+
+}  // namespace autotrim

@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <variant>
+#include <vector>
+
+#include "autotrim/ExitCode.h"
+#include "autotrim/InterruptWatch.h"
+#include "autotrim/JsonReport.h"
+#include "autotrim/Options.h"
+#include "autotrim/Output.h"
+#include "autotrim/ProgressDisplay.h"
+#include "autotrim/RunMonitor.h"
+#include "autotrim/Say.h"
+#include "autotrim/Session.h"
+#include "autotrim/Table.h"
+#include "reference_host/ReferenceHost.h"
+
+namespace autotrim {
+namespace {
+
+std::string environmentVariable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+bool isSameFile(const std::string& file, const std::filesystem::path& other) {
+    std::error_code notThere;
+    return std::filesystem::equivalent(file, other, notThere);
+}
+
+/// Returns a file that a result of the same run would overwrite; empty when there is none.
+std::string fileInDanger(const Options& options) {
+    for (const std::string& file : options.files) {
+        const bool byJson =
+            options.json && *options.json != jsonToStdout && isSameFile(file, *options.json);
+        if (byJson || (options.log && isSameFile(file, *options.log))) return file;
+    }
+    return {};
+}
+
+void printTables(const Report& report) {
+    std::string text;
+    for (const FileReport& file : report.files) {
+        const std::string table = toTable(file);
+        if (!text.empty() && !table.empty()) text += '\n';
+        text += table;
+    }
+    writeToStandardOutput(text);
+}
+
+int exitCodeOf(const Report& report) {
+    const bool allDone =
+        std::all_of(report.files.begin(), report.files.end(),
+                    [](const FileReport& file) { return file.outcome != Outcome::failed; });
+    return allDone ? exitAllDone : exitSomeFailed;
+}
+
+int run(const Options& options) {
+    RunMonitor monitor;
+    const InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
+
+    const bool jsonOnly = options.json == jsonToStdout;
+    std::optional<ResultFile> jsonFile;
+    if (options.json && !jsonOnly) jsonFile.emplace(*options.json);
+    if (options.log) reference_host::openLog(*options.log);
+
+    const auto display = makeProgressDisplay(options.progress);
+    const Report report = analyse(options, monitor, *display);
+    if (jsonFile) jsonFile->write(toJson(report));
+    if (jsonOnly) {
+        writeToStandardOutput(toJson(report));
+    } else {
+        printTables(report);
+    }
+    return monitor.state().interrupted ? exitInterrupted : exitCodeOf(report);
+}
+
+int start(const std::vector<std::string>& arguments) {
+    const auto parsed = parseOptions(
+        arguments, {environmentVariable("XDG_CACHE_HOME"), environmentVariable("HOME")});
+    if (const auto* answer = std::get_if<Answer>(&parsed)) {
+        std::fputs(answer->text.c_str(), answer->exitCode == exitAllDone ? stdout : stderr);
+        return answer->exitCode;
+    }
+    const auto& options = std::get<Options>(parsed);
+    const std::string inDanger = fileInDanger(options);
+    if (!inDanger.empty()) {
+        say(inDanger, "the file to be analysed would be overwritten");
+        return exitWrongUse;
+    }
+    return run(options);
+}
+
+}  // namespace
+}  // namespace autotrim
+
+int main(int argc, char* argv[]) {
+    try {
+        return autotrim::start({argv + 1, argv + argc});
+    } catch (const std::exception& error) {
+        autotrim::say(error.what());
+        return autotrim::exitSomeFailed;
+    }
+}

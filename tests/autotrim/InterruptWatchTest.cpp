@@ -1,0 +1,55 @@
+#include <csignal>
+#include <future>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "autotrim/ExitCode.h"
+#include "autotrim/InterruptWatch.h"
+
+namespace autotrim {
+namespace {
+
+void expectCallAfter(int signal) {
+    std::promise<void> called;
+    const InterruptWatch watch([&called] { called.set_value(); });
+    kill(getpid(), signal);
+    called.get_future().wait();
+}
+
+TEST(InterruptWatch, CallsAfterEitherSignal) {
+    expectCallAfter(SIGINT);
+    expectCallAfter(SIGTERM);
+}
+
+TEST(InterruptWatch, EndsWithoutASignal) {
+    bool called = false;
+    {
+        const InterruptWatch watch([&called] { called = true; });
+    }
+    EXPECT_FALSE(called);
+}
+
+TEST(InterruptWatch, LetsSignalsActAsBefore) {
+    {
+        const InterruptWatch watch([] {});
+    }
+    sigset_t blocked;
+    pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+    EXPECT_EQ(sigismember(&blocked, SIGINT), 0);
+    EXPECT_EQ(sigismember(&blocked, SIGTERM), 0);
+}
+
+TEST(InterruptWatchDeathTest, ASecondSignalEndsTheProcess) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    EXPECT_EXIT(
+        {
+            const InterruptWatch watch([] { kill(getpid(), SIGINT); });
+            kill(getpid(), SIGINT);
+            pause();
+        },
+        testing::ExitedWithCode(exitInterrupted), "");
+}
+
+}  // namespace
+}  // namespace autotrim

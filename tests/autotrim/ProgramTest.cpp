@@ -1,0 +1,312 @@
+#include <csignal>
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+#include "autotrim/ExitCode.h"
+#include "tests/autotrim/Process.h"
+#include "tests/autotrim/ProgramReport.h"
+#include "tests/autotrim/TemporaryDirectory.h"
+
+namespace autotrim {
+namespace {
+
+using std::filesystem::path;
+
+constexpr std::int64_t ticksPerFrame = 400000;
+
+std::string contentOf(const path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The materials of what autotrim writes with --json -.
+Json materialsOf(const Ended& ended) {
+    return Json::parse(ended.output)["materials"];
+}
+
+Json analysed(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--json", "-"});
+    const Ended ended = run(arguments);
+    EXPECT_EQ(ended.exitCode, exitAllDone) << ended.errors;
+    return materialsOf(ended);
+}
+
+TEST(Program, TellsItsVersion) {
+    const Ended ended = run({"--version"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.output, "autotrim " AUTOTRIM_VERSION "\n");
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST(Program, ExitsWithTwoAfterWrongUse) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {}, {"--kinds", "3,4", "short.mp4"}, {"--threshold", "nan", "short.mp4"}}) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.exitCode, exitWrongUse);
+        EXPECT_EQ(ended.output, "");
+        EXPECT_EQ(ended.errorLines().size(), 2U) << ended.errors;
+    }
+}
+
+TEST(Program, PrintsATableForEachFile) {
+    const Ended ended = run({"short.mp4", "photo.png"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.output,
+              "short.mp4  00:00:01.000  (too short to analyse: kept whole)\n"
+              "  scene  begin           end           best keyframe   score\n"
+              "      1  00:00:00.000  - 00:00:01.000  00:00:00.500    1.000\n"
+              "\n"
+              "photo.png  (photo: kept whole)\n");
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST(Program, WritesDefaultRecordsAsJson) {
+    EXPECT_EQ(analysed({"photo.png", "short.mp4"}).dump(),
+              R"([{"file":"photo.png","type":"photo","duration":1,"outcome":"default",)"
+              R"("error":null,"results":[{"score":1.0,"begin":0,"end":1,"posOfMaxScore":0,)"
+              R"("faceRectOfPhoto":[0.0,0.0,0.0,0.0]}]},)"
+              R"({"file":"short.mp4","type":"video","duration":10000000,"outcome":"default",)"
+              R"("error":null,"results":[{"score":1.0,"begin":0,"end":10000000,)"
+              R"("posOfMaxScore":5000000,"faceRectOfPhoto":[0.0,0.0,0.0,0.0]}]}])");
+}
+
+TEST(Program, FindsCutsDissolveAndFade) {
+    const Json materials = analysed({"--min-scene", "0", "scenes.mp4"});
+    EXPECT_EQ(materials[0]["outcome"], "analysed");
+    EXPECT_EQ(materials[0]["duration"], 375 * ticksPerFrame);
+    const auto begins = beginsOf(materials[0]["results"]);
+    ASSERT_EQ(begins.size(), 4U);
+    EXPECT_EQ(begins[0], 0);
+    EXPECT_EQ(begins[1], 75 * ticksPerFrame);
+    EXPECT_GE(begins[2], 150 * ticksPerFrame);
+    EXPECT_LE(begins[2], 175 * ticksPerFrame);
+    EXPECT_GE(begins[3], 250 * ticksPerFrame);
+    EXPECT_LE(begins[3], 300 * ticksPerFrame);
+}
+
+TEST(Program, CachesWhatItPrints) {
+    const TemporaryDirectory cache;
+    const Json materials = analysed({"--cache", cache.path().string(), "scenes.mp4"});
+    const Json cached = onlyCachedResult(cache.path());
+    ASSERT_TRUE(cached.is_object());
+    EXPECT_EQ(withoutFaces(cached["result"]), withoutFaces(materials[0]["results"]));
+    EXPECT_GE(cached["result"].size(), 1U);
+    EXPECT_EQ(cached["analysisTypes"], "4,3");
+}
+
+TEST(Program, HandsItsParametersOver) {
+    const TemporaryDirectory cache;
+    analysed({"--cache", cache.path().string(), "--kinds", "2,6", "--min-scene", "3",
+              "--min-length", "0", "--threshold", "2.5", "short.mp4"});
+    const Json cached = onlyCachedResult(cache.path());
+    ASSERT_TRUE(cached.is_object());
+    EXPECT_EQ(cached["analysisTypes"], "2,6");
+    EXPECT_EQ(cached["minScenceDuration"], 3);
+    EXPECT_EQ(cached["scenceDetectionThreshold"], 2.5);
+}
+
+TEST(Program, CachesBelowTheUsersCacheDirectory) {
+    Process process({"scenes.mp4"});
+    const Ended ended = process.wait();
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_TRUE(onlyCachedResult(process.home() / ".cache" / "autotrim").is_object());
+}
+
+TEST(Program, GivesTheSameFileTwoEntries) {
+    const TemporaryDirectory cache;
+    const Json materials =
+        analysed({"--cache", cache.path().string(), "scenes.mp4", "photo.png", "scenes.mp4"});
+    ASSERT_EQ(materials.size(), 3U);
+    EXPECT_EQ(materials[1]["file"], "photo.png");
+    EXPECT_EQ(materials[0]["file"], materials[2]["file"]);
+    EXPECT_EQ(withoutFaces(materials[0]["results"]), withoutFaces(materials[2]["results"]));
+    EXPECT_FALSE(materials[2]["results"].empty());
+}
+
+TEST(Program, NamesEachBadFileOnOneLine) {
+    const TemporaryDirectory directory;
+    const auto made = [&](const char* name, const std::string& content) {
+        const path file = directory.path() / name;
+        std::ofstream(file) << content;
+        return file.string();
+    };
+    const std::vector<std::string> bad = {"missing.mp4",
+                                          made("empty.mp4", ""),
+                                          made("text.mp4", "just a few words\n"),
+                                          directory.path().string(),
+                                          "truncated.mp4",
+                                          "sound.wav",
+                                          "/dev/zero"};
+    std::vector<std::string> arguments = {"--json", "-", "short.mp4"};
+    arguments.insert(arguments.end(), bad.begin(), bad.end());
+    arguments.push_back("photo.png");
+
+    const Ended ended = run(arguments);
+    EXPECT_EQ(ended.exitCode, exitSomeFailed);
+    const std::vector<std::string> lines = ended.errorLines();
+    const Json materials = materialsOf(ended);
+    ASSERT_EQ(lines.size(), bad.size()) << ended.errors;
+    ASSERT_EQ(materials.size(), bad.size() + 2);
+    EXPECT_EQ(materials.front()["outcome"], "default");
+    EXPECT_EQ(materials.back()["outcome"], "default");
+    for (std::size_t i = 0; i < bad.size(); ++i) {
+        const Json& entry = materials[i + 1];
+        EXPECT_EQ(entry["file"], bad[i]);
+        EXPECT_EQ(entry["outcome"], "failed");
+        EXPECT_TRUE(entry["type"].is_null());
+        EXPECT_TRUE(entry["duration"].is_null());
+        EXPECT_TRUE(entry["results"].empty());
+        const auto reason = entry["error"].get<std::string>();
+        EXPECT_FALSE(reason.empty());
+        EXPECT_EQ(lines[i], "autotrim: " + bad[i] + ": " + reason);
+    }
+}
+
+TEST(Program, ExitsWithOneWhenEveryFileFailed) {
+    const Ended ended = run({"missing.mp4"});
+    EXPECT_EQ(ended.exitCode, exitSomeFailed);
+    EXPECT_EQ(ended.output, "");
+}
+
+TEST(Program, WarnsOnceOfADamagedFile) {
+    const Ended ended = run({"--json", "-", "damaged.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(materialsOf(ended)[0]["outcome"], "analysed");
+    ASSERT_EQ(ended.errorLines().size(), 1U) << ended.errors;
+    EXPECT_EQ(ended.errors.rfind("autotrim: damaged.mp4: warning: ", 0), 0U) << ended.errors;
+}
+
+TEST(Program, TakesNamesLiterally) {
+    const TemporaryDirectory directory;
+    std::vector<std::string> arguments = {"--json", "-"};
+    for (const char* name : {"[a,b]", "a:b.mp4", "%03d.mp4", "-x", "\x1B[31m\n", "\xFF.mp4"}) {
+        const path file = directory.path() / name;
+        std::filesystem::copy_file(path(AUTOTRIM_CLIPS) / "short.mp4", file);
+        arguments.push_back(file.string());
+    }
+    const Ended ended = run(arguments);
+    EXPECT_EQ(ended.exitCode, exitAllDone) << ended.errors;
+    const Json materials = materialsOf(ended);
+    EXPECT_EQ(materials[0]["file"], arguments[2]);
+    EXPECT_EQ(materials[4]["file"], arguments[6]);
+    EXPECT_EQ(materials[5]["file"], (directory.path() / "\xEF\xBF\xBD.mp4").string());
+}
+
+TEST(Program, ShowsOddNamesHarmlessly) {
+    const Ended ended = run({"\x1B[31m\n\xFF"});
+    EXPECT_EQ(ended.errorLines().size(), 1U);
+    EXPECT_EQ(ended.errors.rfind("autotrim: \\x1B[31m\\x0A\\xFF: ", 0), 0U) << ended.errors;
+}
+
+TEST(Program, WritesJsonToAFileBesideTheTables) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "report.json";
+    const Ended ended = run({"--json", file.string(), "short.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.output.rfind("short.mp4  ", 0), 0U);
+    EXPECT_EQ(contentOf(file), run({"--json", "-", "short.mp4"}).output);
+}
+
+TEST(Program, ExitsWithOneWhenJsonCannotBeWritten) {
+    const Ended ended = run({"--json", "missing/report.json", "short.mp4"});
+    EXPECT_EQ(ended.exitCode, exitSomeFailed);
+    EXPECT_EQ(ended.errors,
+              "autotrim: cannot write missing/report.json: No such file or directory\n");
+    EXPECT_EQ(run({"--json", "/dev/full", "short.mp4"}).exitCode, exitSomeFailed);
+}
+
+TEST(Program, ExitsWithOneWhenOutputIsFull) {
+    const Ended ended = Process({"short.mp4"}, ErrorsTo::pipe, "/dev/full").wait();
+    EXPECT_EQ(ended.exitCode, exitSomeFailed);
+    EXPECT_EQ(ended.errors,
+              "autotrim: cannot write to the standard output: No space left on device\n");
+}
+
+TEST(Program, NeverOverwritesAFileToBeAnalysed) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "clip.mp4";
+    std::filesystem::copy_file(path(AUTOTRIM_CLIPS) / "short.mp4", file);
+    const std::string before = contentOf(file);
+    for (const char* option : {"--json", "--log"}) {
+        const std::string sameFile = (directory.path() / "." / "clip.mp4").string();
+        EXPECT_EQ(run({option, sameFile, file.string()}).exitCode, exitWrongUse);
+        EXPECT_EQ(contentOf(file), before);
+    }
+}
+
+TEST(Program, KeepsALogWithTheRunInIt) {
+    const TemporaryDirectory directory;
+    const path log = directory.path() / "run.log";
+    const Ended ended = run({"--log", log.string(), "short.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_NE(contentOf(log).find("auto trim result: "), std::string::npos);
+}
+
+TEST(Program, ReportsProgressAsJsonLines) {
+    const Ended ended = run({"--progress", "machine", "scenes.mp4", "short.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    int last = 0;
+    const std::vector<std::string> lines = ended.errorLines();
+    ASSERT_GE(lines.size(), 2U);
+    for (const std::string& line : lines) {
+        const Json object = Json::parse(line);
+        EXPECT_EQ(object.size(), 2U);
+        EXPECT_EQ(object["file"], "scenes.mp4");
+        EXPECT_GE(object["percent"].get<int>(), last);
+        last = object["percent"].get<int>();
+    }
+    EXPECT_EQ(last, 100);
+}
+
+TEST(Program, DrawsABarOnATerminalAndClearsIt) {
+    const Ended ended = Process({"long.mp4"}, ErrorsTo::terminal).wait();
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    const std::string clear = "\r\x1B[K";
+    ASSERT_GT(ended.errors.size(), clear.size());
+    EXPECT_EQ(ended.errors.substr(ended.errors.size() - clear.size()), clear);
+    EXPECT_EQ(ended.errors.find('\n'), std::string::npos);
+    EXPECT_NE(ended.errors.find("\r[="), std::string::npos) << ended.errors;
+    EXPECT_NE(ended.errors.find("%  0:0"), std::string::npos) << ended.errors;
+    EXPECT_NE(ended.errors.find(" left  long.mp4\x1B[K"), std::string::npos) << ended.errors;
+}
+
+TEST(Program, ShowsNoBarWhenNoneIsWanted) {
+    EXPECT_EQ(Process({"--progress", "none", "short.mp4"}, ErrorsTo::terminal).wait().errors, "");
+}
+
+class InterruptedProgram : public testing::TestWithParam<int> {};
+
+TEST_P(InterruptedProgram, KeepsWhatWasFinished) {
+    const TemporaryDirectory cache;
+    Process process({"--json", "-", "--progress", "machine", "--cache", cache.path().string(),
+                     "scenes.mp4", "long.mp4", "photo.png"});
+    std::string line = process.readErrorLine();
+    while (!line.empty() && Json::parse(line)["file"] != "long.mp4")
+        line = process.readErrorLine();
+    process.send(GetParam());
+
+    const Ended ended = process.wait();
+    EXPECT_EQ(ended.exitCode, exitInterrupted);
+    EXPECT_EQ(ended.errorLines().back(), "autotrim: interrupted");
+    const Json materials = materialsOf(ended);
+    ASSERT_EQ(materials.size(), 3U);
+    EXPECT_EQ(materials[0]["outcome"], "analysed");
+    EXPECT_EQ(withoutFaces(onlyCachedResult(cache.path())["result"]),
+              withoutFaces(materials[0]["results"]));
+    for (const std::size_t unfinished : {1U, 2U}) {
+        EXPECT_EQ(materials[unfinished]["outcome"], "failed");
+        EXPECT_EQ(materials[unfinished]["error"], "interrupted");
+        EXPECT_TRUE(materials[unfinished]["results"].empty());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Program, InterruptedProgram, testing::Values(SIGINT, SIGTERM),
+                         [](const testing::TestParamInfo<int>& signal) {
+                             return signal.param == SIGINT ? "BySigint" : "BySigterm";
+                         });
+
+}  // namespace
+}  // namespace autotrim

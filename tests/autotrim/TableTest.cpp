@@ -1,0 +1,87 @@
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "autotrim/Table.h"
+
+namespace autotrim {
+namespace {
+
+constexpr std::int64_t second = 10000000;
+
+FileReport video(Outcome outcome) {
+    FileReport report;
+    report.file = "clip.mp4";
+    report.type = MaterialType::video;
+    report.duration = 12 * second;
+    report.outcome = outcome;
+    report.results = {{0.3125, 0, 5 * second, 2 * second + 1230000, {}},
+                      {0.25, 5 * second, 12 * second, 7 * second, {}}};
+    return report;
+}
+
+TEST(TimeCode, ShowsHoursToMilliseconds) {
+    EXPECT_EQ(timeCode(0), "00:00:00.000");
+    EXPECT_EQ(timeCode(62 * second + 3450000), "00:01:02.345");
+    EXPECT_EQ(timeCode(360000 * second), "100:00:00.000");
+}
+
+TEST(TimeCode, RoundsToTheNearestMillisecond) {
+    EXPECT_EQ(timeCode(4999), "00:00:00.000");
+    EXPECT_EQ(timeCode(5000), "00:00:00.001");
+    EXPECT_EQ(timeCode(60 * second - 1), "00:01:00.000");
+}
+
+TEST(TimeCode, HasRoomForEveryNumber) {
+    EXPECT_EQ(timeCode(-second), "-00:00:01.000");
+    EXPECT_EQ(timeCode(-4999), "00:00:00.000");
+    EXPECT_EQ(timeCode(std::numeric_limits<std::int64_t>::max()), "256204778:48:05.478");
+    EXPECT_EQ(timeCode(std::numeric_limits<std::int64_t>::min()), "-256204778:48:05.478");
+}
+
+TEST(Table, ListsEverySceneWithItsBestKeyFrame) {
+    EXPECT_EQ(toTable(video(Outcome::analysed)),
+              "clip.mp4  00:00:12.000  (analysed)\n"
+              "  scene  begin           end           best keyframe   score\n"
+              "      1  00:00:00.000  - 00:00:05.000  00:00:02.123    0.312\n"
+              "      2  00:00:05.000  - 00:00:12.000  00:00:07.000    0.250\n");
+}
+
+TEST(Table, SaysWhereRecordsComeFrom) {
+    const auto headingOf = [](const FileReport& report) {
+        const std::string table = toTable(report);
+        return table.substr(0, table.find('\n'));
+    };
+    EXPECT_EQ(headingOf(video(Outcome::restored)), "clip.mp4  00:00:12.000  (from the cache)");
+    EXPECT_EQ(headingOf(video(Outcome::byDefault)),
+              "clip.mp4  00:00:12.000  (too short to analyse: kept whole)");
+}
+
+TEST(Table, IsTheHeadingAloneForAPhoto) {
+    FileReport photo = video(Outcome::byDefault);
+    photo.type = MaterialType::photo;
+    EXPECT_EQ(toTable(photo), "clip.mp4  (photo: kept whole)\n");
+}
+
+TEST(Table, SaysThatNothingWasKept) {
+    FileReport report = video(Outcome::analysed);
+    report.results.clear();
+    EXPECT_EQ(toTable(report),
+              "clip.mp4  00:00:12.000  (analysed)\n"
+              "  no scene was kept\n");
+}
+
+TEST(Table, IsEmptyForAFileThatFailed) {
+    FileReport report = video(Outcome::failed);
+    report.results.clear();
+    EXPECT_EQ(toTable(report), "");
+}
+
+TEST(Table, ShowsNamesHarmlessly) {
+    FileReport report = video(Outcome::analysed);
+    report.file = "\x1B[2J\n";
+    EXPECT_EQ(toTable(report).substr(0, 11), "\\x1B[2J\\x0A");
+}
+
+}  // namespace
+}  // namespace autotrim
