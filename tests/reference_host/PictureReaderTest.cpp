@@ -43,6 +43,8 @@ TEST(PictureReader, GivesFullRangeForEveryFormat) {
         expectAll(white.u, 128);
         expectAll(white.v, 128);
         expectAll(pictureOf("black", stored).luma, 0);
+        // Clipping would hide a wrong range at the ends of it.
+        expectAll(pictureOf("0x404040", stored).luma, 64);
     }
 }
 
@@ -59,7 +61,7 @@ TEST(PictureReader, KeepsTheWholePictureInPlace) {
     // White in the right half only.
     const PictureSample picture = pictureOf(
         "black", "-vf drawbox=x=160:y=0:w=160:h=180:color=white:t=fill -c:v ffv1 -pix_fmt yuv420p");
-    for (std::size_t row : {0, 53, 107}) {
+    for (const std::size_t row : {0U, 53U, 107U}) {
         EXPECT_NEAR(picture.luma[row * 192], 0, 2);
         EXPECT_NEAR(picture.luma[row * 192 + 94], 0, 2);
         EXPECT_NEAR(picture.luma[row * 192 + 97], 255, 2);
