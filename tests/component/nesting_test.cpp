@@ -83,18 +83,22 @@ TEST_F(Nesting, BeyondThatDepthDoesNotGrow) {
     EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{2});
 }
 
+std::string clipName(int number) {
+    return std::string("clip").append(std::to_string(number)).append(".mp4");
+}
+
 TEST_F(Nesting, RememberedFinishesKeepTheOrderOfTheRun) {
     constexpr int count = 100;
     for (int i = 0; i < count; ++i) {
-        insert(video("clip" + std::to_string(i) + ".mp4", 100 * second).keyFrames({i}));
+        insert(video(clipName(i), 100 * second).keyFrames({i}));
     }
     useKinds({4, 3});
     host().takeJournal();
     component().start();
     Lines expected;
     for (int i = 0; i < count; ++i) {
-        expected.push_back("task0 clip" + std::to_string(i) + ".mp4");
-        expected.push_back("task1 clip" + std::to_string(i) + ".mp4");
+        expected.push_back(std::string("task0 ").append(clipName(i)));
+        expected.push_back(std::string("task1 ").append(clipName(i)));
     }
     EXPECT_EQ(starts(), expected);
     const auto results = probe().results();
@@ -130,6 +134,24 @@ TEST_F(Nesting, StopBeyondTheNestedLevelsEndsTheRun) {
     EXPECT_EQ(host().startCount, 60);
     EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{4});
     EXPECT_EQ(indicesOfStartLines().size(), 60U);
+}
+
+TEST_F(Nesting, ReleaseBehindARememberedFinishHolds) {
+    host().tasksFinishInsideStart = false;
+    insertVideos(100);
+    useKinds({4});
+    FakeTask& only = task(0);
+    int starts = 0;
+    only.onCall("start", [&] {
+        const bool finishIsRemembered = ++starts == 33;
+        only.finish();
+        if (finishIsRemembered) only.send(1, KOR::taskEventFailed, nullptr);
+    });
+    listener.onEvent = [&](std::uint32_t) { releaseComponent(); };
+    component().start();
+    EXPECT_EQ(starts, 33);
+    EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{3});
+    EXPECT_EQ(host().live.tasks, 0);
 }
 
 TEST_F(Nesting, NextRunNestsAsTheFirstDid) {

@@ -216,6 +216,10 @@ TEST_F(DurationScore, KeyFrameAfterTheLastSceneIsIgnored) {
     EXPECT_EQ(positionsWalked({{10, 20}}, {15, 20, 12}), (Positions{{15}}));
 }
 
+TEST_F(DurationScore, OverlappingScenesShareTheCursor) {
+    EXPECT_EQ(positionsWalked({{0, 100}, {50, 150}}, {60, 120}), (Positions{{60}, {120}}));
+}
+
 TEST_F(DurationScore, KeyFramesOutOfOrderAreNotSorted) {
     EXPECT_EQ(positionsWalked({{0, 20}, {20, 40}}, {25, 5, 30}), (Positions{{}, {25, 30}}));
 }
@@ -244,10 +248,10 @@ TEST_F(DurationScore, NullTaskChangesAndLogsNothing) {
 TEST_F(DurationScore, MissingListEmptiesItsSceneOnly) {
     FakeTask& finished = found(video("clip.mp4", 1000).keyFrames({50, 150, 250}));
     probe().scenceRanges() = {{0, 100}, {100, 200}, {200, 300}};
-    host().faults.failMaking(Product::owningList, 2);
+    host().faults.failMaking(Product::owningList, 1);
     EXPECT_EQ(probe().keyFrameDetectFinishedInternal(&finished), KOR::statusOk);
     const double score = (101.0 * 0.3) / 1000.0;
-    EXPECT_EQ(probe().keyFramesOfScences(), (KeyFrames{{{0, score, 50}}, {}, {{2, score, 250}}}));
+    EXPECT_EQ(probe().keyFramesOfScences(), (KeyFrames{{}, {{1, score, 150}}, {{2, score, 250}}}));
 }
 
 TEST_F(DurationScore, MissingListsEmptyEveryScene) {

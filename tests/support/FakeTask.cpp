@@ -33,7 +33,9 @@ std::string rangesText(KOR::IKORVoidPtrList* list) {
         KOR::TickRange range{};
         std::memcpy(&range, list->at(i), sizeof range);
         if (i > 0) text += " ";
-        text += "[" + std::to_string(range.begin) + ", " + std::to_string(range.end) + ")";
+        text += "[";
+        text += joined(std::vector{range.begin, range.end});
+        text += ")";
     }
     return text;
 }
@@ -179,7 +181,7 @@ KOR::Status FakeTask::stop() {
 }
 
 KOR::Status FakeTask::setPriority(std::uint32_t priority) {
-    if (host().recording) note("setPriority(" + std::to_string(priority) + ")");
+    if (host().recording) note("setPriority", {std::to_string(priority)});
     return enter("setPriority");
 }
 
@@ -187,30 +189,30 @@ KOR::Status FakeTask::setSource(KOR::IDmMediaSource* source, std::int64_t reserv
                                 std::int64_t reserved2) {
     source_ = static_cast<FakeMedia*>(source);
     if (host().recording) {
-        note("setSource(" + (source_ == nullptr ? "null" : source_->spec.fileName) + ", " +
-             std::to_string(reserved1) + ", " + std::to_string(reserved2) + ")");
+        note("setSource", {source_ == nullptr ? "null" : source_->spec.fileName,
+                           std::to_string(reserved1), std::to_string(reserved2)});
     }
     return enter("setSource", source == nullptr ? KOR::statusFailed : KOR::statusOk);
 }
 
 KOR::Status FakeTask::setParameterMode(std::int32_t mode) {
-    if (host().recording) note("setParameterMode(" + std::to_string(mode) + ")");
+    if (host().recording) note("setParameterMode", {std::to_string(mode)});
     return enter("setParameterMode");
 }
 
 KOR::Status FakeTask::setSceneRanges(KOR::IKORVoidPtrList* ranges) {
-    if (host().recording) note("setSceneRanges(" + rangesText(ranges) + ")");
+    if (host().recording) note("setSceneRanges", {rangesText(ranges)});
     return enter("setSceneRanges", ranges == nullptr ? KOR::statusFailed : KOR::statusOk);
 }
 
 KOR::Status FakeTask::setKeyFramePositions(KOR::IKORLonglongList* positions) {
-    if (host().recording) note("setKeyFramePositions(" + positionsText(positions) + ")");
+    if (host().recording) note("setKeyFramePositions", {positionsText(positions)});
     return enter("setKeyFramePositions", positions == nullptr ? KOR::statusFailed : KOR::statusOk);
 }
 
 KOR::Status FakeTask::setParameterBlock(std::int32_t type, const void* block) {
     if (host().recording) {
-        note("setParameterBlock(" + std::to_string(type) + ", " + blockText(type, block) + ")");
+        note("setParameterBlock", {std::to_string(type), blockText(type, block)});
     }
     return enter("setParameterBlock", block == nullptr ? KOR::statusFailed : KOR::statusOk);
 }
@@ -220,8 +222,8 @@ KOR::Status FakeTask::getResultList(std::int32_t kind, std::int32_t reserved1,
     // How often the same results are fetched is the component's choice, so only the first time is
     // noted.
     if (++asked_[kind] == 1 && host().recording) {
-        note("getResultList(" + std::to_string(kind) + ", " + std::to_string(reserved1) + ", " +
-             (list == nullptr ? "null" : "list") + ", " + std::to_string(reserved2) + ")");
+        note("getResultList", {std::to_string(kind), std::to_string(reserved1),
+                               list == nullptr ? "null" : "list", std::to_string(reserved2)});
     }
     const KOR::Status status = enter("getResultList");
     if (status != KOR::statusOk) return status;
@@ -236,8 +238,23 @@ KOR::Status FakeTask::getResultList(std::int32_t kind, std::int32_t reserved1,
     return KOR::statusOk;
 }
 
-void FakeTask::note(const std::string& call) const {
-    if (host().recording) host().note("task" + std::to_string(number_) + "." + call);
+void FakeTask::note(const char* operation) const {
+    if (!host().recording) return;
+    std::string line = "task";
+    line += std::to_string(number_);
+    line += ".";
+    line += operation;
+    host().note(line);
+}
+
+void FakeTask::note(std::string operation, const std::vector<std::string>& arguments) const {
+    operation += "(";
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (i > 0) operation += ", ";
+        operation += arguments[i];
+    }
+    operation += ")";
+    note(operation.c_str());
 }
 
 KOR::Status FakeTask::unexpected(const std::string& operation) const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -96,7 +95,8 @@ public:
 private:
     ~FakeTask() override;
 
-    void note(const std::string& call) const;
+    void note(const char* operation) const;
+    void note(std::string operation, const std::vector<std::string>& arguments) const;
     KOR::Status unexpected(const std::string& operation) const;
 
     /// Runs the hook of `operation` and returns what the test wants it to answer.
