@@ -19,7 +19,8 @@ struct ImportedMaterial {
 };
 
 /// Opens `file` as a material: a video when it holds more than one picture, a photo when exactly
-/// one. Reads the whole file's packets once, without decoding them all.
+/// one. Reads the whole file's packets once, without decoding them all; only where they carry no
+/// timestamps (raw streams, some old containers) everything is decoded to measure the duration.
 ///
 /// The name is taken literally, and only a regular file is opened. What is computed for the
 /// material may be kept in a directory of its own below `cacheRoot`; with an empty `cacheRoot`

@@ -69,13 +69,6 @@ std::pair<bool, std::int64_t> rankOf(const AVStream& stream) {
     return {isDefault, std::int64_t{stream.codecpar->width} * stream.codecpar->height};
 }
 
-void requireBearableSize(const AVCodecParameters& codec) {
-    if (std::int64_t{codec.width} * codec.height <= maxPicturePixels) return;
-    throw MediaError("its pictures of " + std::to_string(codec.width) + " by " +
-                     std::to_string(codec.height) + " pixels are beyond the limit of " +
-                     std::to_string(maxPicturePixels) + " pixels");
-}
-
 }  // namespace
 
 Container::Container(const std::filesystem::path& path, std::stop_token stop)
@@ -136,16 +129,17 @@ void Container::chooseVideo() {
         throw MediaError(hasAttached ? "it holds no video, only a cover picture"
                                      : "it holds no video and no picture");
     }
-    requireBearableSize(*video_->codecpar);
     video_->discard = AVDISCARD_DEFAULT;
 }
 
 bool Container::read(AVPacket& packet) {
     av_packet_unref(&packet);
     for (;;) {
+        const FirstError error;
         const int result = av_read_frame(context_.get(), &packet);
         if (result < 0) {
-            failed_ = result != AVERROR_EOF;
+            // Some formats tell an early end from a proper one in words only.
+            failed_ = result != AVERROR_EOF || !error.text().empty();
             return false;
         }
         if (packet.stream_index == video_->index) break;

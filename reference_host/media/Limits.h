@@ -7,7 +7,8 @@
 namespace reference_host::media {
 
 /// More than the largest cameras give (about 200 million). A file can claim any size in a few
-/// bytes, and a picture of this one already takes 400 MB and more.
+/// bytes, and a picture of this one already takes 400 MB and more. FFmpeg has a bound of its own,
+/// a little below or above, that depends on the shape.
 constexpr std::int64_t maxPicturePixels = std::int64_t{1} << 28;
 
 /// About a hundred years. Timestamps are free to claim anything; below this, a hundred thousand

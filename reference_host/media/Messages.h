@@ -19,6 +19,9 @@ public:
     /// Returns `reason`, with the error behind it in brackets where there was one.
     std::string explain(const std::string& reason) const;
 
+    /// Returns the error's text, empty while there was none.
+    const std::string& text() const { return text_; }
+
     /// Takes an error's text; the first one stays.
     void note(const std::string& text);
 

@@ -2,10 +2,12 @@
 
 extern "C" {
 #include <libavutil/imgutils.h>
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
 #include <array>
+#include <utility>
 
 namespace reference_host::media {
 namespace {
@@ -76,15 +78,28 @@ PictureScaler::Source PictureScaler::sourceOf(const AVFrame& frame) {
 
 bool PictureScaler::prepare(const Source& source) {
     if (scaler_ && source == source_) return true;
-    scaler_.reset(sws_getContext(source.widthPx, source.heightPx, source.format, smallWidthPx,
-                                 smallHeightPx, smallFormat, SWS_AREA, nullptr, nullptr, nullptr));
-    if (!scaler_) return false;
-    source_ = source;
-    // The same coefficients on both sides: other ones would cost a detour over RGB, and decisions
-    // about changes need no exact colours.
+    scaler_.reset();
+    AvPointer<SwsContext> scaler = adopt(sws_alloc_context());
+    for (const auto& [option, value] : {std::pair{"srcw", source.widthPx},
+                                        {"srch", source.heightPx},
+                                        {"src_format", int{source.format}},
+                                        {"src_range", int{source.fullRange}},
+                                        {"dstw", smallWidthPx},
+                                        {"dsth", smallHeightPx},
+                                        {"dst_format", int{smallFormat}},
+                                        {"dst_range", 1},
+                                        {"sws_flags", SWS_AREA}}) {
+        av_opt_set_int(scaler.get(), option, value, 0);
+    }
+    // Before the scaler is made ready: afterwards the ranges of deep formats are not converted any
+    // more. The same coefficients on both sides: other ones would cost a detour over RGB, and
+    // decisions about changes need no exact colours.
     const int* coefficients = sws_getCoefficients(source.space);
-    sws_setColorspaceDetails(scaler_.get(), coefficients, source.fullRange ? 1 : 0, coefficients, 1,
+    sws_setColorspaceDetails(scaler.get(), coefficients, source.fullRange ? 1 : 0, coefficients, 1,
                              0, unchanged, unchanged);
+    if (sws_init_context(scaler.get(), nullptr, nullptr) < 0) return false;
+    scaler_ = std::move(scaler);
+    source_ = source;
     return true;
 }
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 
 #include "reference_host/media/Container.h"
 #include "reference_host/media/Decoder.h"
 #include "reference_host/media/FrameClock.h"
+#include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
 
@@ -81,6 +83,15 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
     return std::max<std::int64_t>(*duration, 1);
 }
 
+[[noreturn]] void refuseUndecodable(const FirstError& error) {
+    const std::string reason = error.explain("no picture could be decoded");
+    // That a picture is too large is told in words only; what would not be, is told here.
+    const bool isTooLarge = error.text().starts_with("Picture size");
+    throw MediaError(isTooLarge
+                         ? reason + ": the limit is " + std::to_string(maxPicturePixels) + " pixels"
+                         : reason);
+}
+
 }  // namespace
 
 FootageFacts inspect(const std::filesystem::path& file) {
@@ -94,7 +105,7 @@ FootageFacts inspect(const std::filesystem::path& file) {
         pictures.add(packet.get());
     }
     pictures.add(nullptr);
-    if (pictures.count() == 0) throw MediaError(error.explain("no picture could be decoded"));
+    if (pictures.count() == 0) refuseUndecodable(error);
 
     FootageFacts facts;
     facts.originTimestamp = pictures.origin();

@@ -1,0 +1,112 @@
+#include "reference_host/scenes/BlendSignal.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "reference_host/scenes/Difference.h"
+
+namespace reference_host::scenes {
+namespace {
+
+/// Half lengths that are tried, in pictures: each about a fourth longer than the one before, so
+/// that one of them is near enough to any.
+constexpr std::array<std::size_t, 12> halfLengths = {3, 4, 5, 6, 8, 10, 12, 15, 18, 22, 27, 32};
+static_assert(2 * halfLengths.back() == blendReach);
+
+/// Longer mixes are not dissolves but changes of weather; also the limit where pictures are rare.
+constexpr std::int64_t longestBlendTicks = ticksPerSecond * 5 / 2;
+
+/// A mix that leaves this much unexplained is none; see Mixture::residual. Movement in the two
+/// scenes costs up to 0.3.
+constexpr float largestResidual = 0.5F;
+
+/// The share may be off a steady course by so much: eased dissolves are off by 0.1, a cut by 0.25
+/// at least.
+constexpr float largestDeviation = 0.25F;
+
+/// Where the pictures beside change at this part of the pace inside, the blend is but a piece of a
+/// longer steady change, such as colours that drift.
+constexpr float largestPaceBeside = 0.75F;
+
+/// Weaker blends are none, at whatever threshold: less than coding noise makes.
+constexpr float smallestStrength = 1.0F;
+
+/// Returns 1 for a perfect steady mix, 0 for none.
+float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
+                   std::size_t last) {
+    const WindowPicture& begin = window[first];
+    const WindowPicture& end = window[last];
+    const double length = static_cast<double>(end.positionTicks - begin.positionTicks);
+    const std::size_t quarter = (number - first) / 2;
+    float residual = 0;
+    float deviation = 0;
+    for (const std::size_t i : {number, number - quarter, number + quarter}) {
+        const Mixture mixture = mixtureOf(begin.thumbnail, window[i].thumbnail, end.thumbnail);
+        const double steady =
+            static_cast<double>(window[i].positionTicks - begin.positionTicks) / length;
+        residual = std::max(residual, mixture.residual);
+        deviation = std::max(deviation, std::abs(mixture.share - static_cast<float>(steady)));
+    }
+    return std::max(0.0F, 1 - residual / largestResidual) *
+           std::max(0.0F, 1 - deviation / largestDeviation);
+}
+
+/// Returns how far two pictures of the window are apart by more than motion or light.
+Difference separationOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    const Thumbnail& begin = window[first].thumbnail;
+    return differenceBetween(begin, inLightOf(begin, window[last].thumbnail));
+}
+
+/// Returns the separation for each picture from `first` to `last`.
+float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    return separationOf(window, first, last).overall / static_cast<float>(last - first);
+}
+
+/// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
+/// those in it. The quieter side counts: the other may hold a cut, or the second half of a fade.
+float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::size_t last,
+                      float paceInside) {
+    const std::size_t half = (last - first) / 2;
+    const std::size_t before = first - std::min(half, first - window.begin());
+    const std::size_t after = std::min(last + half, window.end() - 1);
+    if (before == first && after == last) return 1;
+    float beside = std::numeric_limits<float>::max();
+    if (before < first) beside = paceOf(window, before, first);
+    if (last < after) beside = std::min(beside, paceOf(window, last, after));
+    return std::max(0.0F, 1 - beside / (largestPaceBeside * paceInside));
+}
+
+/// Returns the strength of the blend from `first` to `last`, or 0 where it does not exceed `least`.
+float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
+                 std::size_t last, float least) {
+    const float steadiness = steadinessOf(window, first, number, last);
+    if (steadiness <= 0) return 0;
+    const float separation = separationOf(window, first, last).widespread;
+    if (separation * steadiness <= least) return 0;
+    const float paceInside = separation / static_cast<float>(last - first);
+    return separation * steadiness * quietnessBeside(window, first, last, paceInside);
+}
+
+}  // namespace
+
+Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
+    Blend strongest;
+    for (const std::size_t half : halfLengths) {
+        if (number < window.begin() + half || number + half >= window.end()) break;
+        const WindowPicture& begin = window[number - half];
+        const WindowPicture& end = window[number + half];
+        if (end.positionTicks - begin.positionTicks > longestBlendTicks) break;
+        const float least = std::max(strongest.strength, smallestStrength);
+        const float strength = strengthOf(window, number - half, number, number + half, least);
+        if (strength <= least) continue;
+        const std::size_t frame = window[number].frame;
+        strongest = {strength, static_cast<std::uint32_t>(frame - begin.frame),
+                     static_cast<std::uint32_t>(end.frame - frame)};
+    }
+    return strongest;
+}
+
+}  // namespace reference_host::scenes

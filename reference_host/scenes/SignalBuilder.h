@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "reference_host/scenes/BlendSignal.h"
+#include "reference_host/scenes/ChangeSignal.h"
+#include "reference_host/scenes/FrameSignal.h"
+#include "reference_host/scenes/PictureSample.h"
+#include "reference_host/scenes/ThumbnailWindow.h"
+
+namespace reference_host::scenes {
+
+/// Computes the signal of each picture of a stream, from two windows: one of every picture, for
+/// cuts, and one of pictures at a limited rate, for dissolves, which need seconds rather than
+/// frames.
+class SignalBuilder {
+public:
+    /// Takes the next picture; positions ascend strictly.
+    void add(const PictureSample& picture);
+
+    /// Returns the signals of all pictures, in order. Call it once, as the last operation.
+    std::vector<FrameSignal> finish();
+
+private:
+    void addForChange(const WindowPicture& picture);
+    void addForBlend(const WindowPicture& picture);
+    void setChange(std::size_t number);
+    void setBlend(std::size_t number);
+
+    std::vector<FrameSignal> signals_;
+    ThumbnailWindow changeWindow_{2 * lastingReach + 2};
+    ThumbnailWindow blendWindow_{2 * blendReach + 1};
+};
+
+}  // namespace reference_host::scenes

@@ -1,0 +1,250 @@
+#include "reference_host/scenes/Transitions.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <numeric>
+#include <utility>
+
+namespace reference_host::scenes {
+namespace {
+
+/// Changes below this differ from no change by the coder's noise only: a repeated picture.
+constexpr float repeatedChange = 0.25F;
+
+/// How many moving pictures on each side are a picture's neighbours, and how far they may be away
+/// where pictures are rare. Fewer follow noise, more reach into other movements.
+constexpr std::size_t neighbours = 5;
+constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
+
+/// Added to what is around a change or blend, so that in still footage one counts from the
+/// threshold times this on. In ordinary footage, at the default threshold, 9 is what a sudden
+/// gesture in a still scene reaches, and the weakest cuts begin above 20.
+constexpr double stillChange = 3.0;
+constexpr double stillBlend = 2.5;
+
+/// Ordinary contrast. In darker or flatter pictures changes are smaller, and so is what is added
+/// above; but grain and the steps of 8 bits are not, so that it shrinks to a part only. A blend
+/// needs more: slow drifts of light in flat pictures look like weak ones.
+constexpr double ordinaryContrast = 32.0;
+constexpr double smallestChangeScale = 0.25;
+constexpr double smallestBlendScale = 0.5;
+
+/// A cut is the largest change within so many frames.
+constexpr std::size_t cutClearance = 2;
+
+/// A picture with less contrast is plain.
+constexpr float plainContrast = 2.0F;
+
+/// A plain stretch that lasts longer is a scene of its own.
+constexpr std::int64_t longestPlainTicks = 2 * ticksPerSecond;
+
+bool isNear(const FrameSignal& a, const FrameSignal& b) {
+    const auto [first, last] = std::minmax(a.positionTicks, b.positionTicks);
+    return last - first <= neighbourhoodTicks;
+}
+
+/// Returns the mean change of a frame's neighbours, without its own and without the largest of
+/// them, which may be another cut or a flash. Repeated pictures are skipped: they say nothing about
+/// how much the footage moves.
+double changeAround(std::span<const FrameSignal> signals, std::size_t frame) {
+    std::array<float, 2 * neighbours> changes{};
+    std::size_t count = 0;
+    const auto take = [&](std::size_t i) {
+        if (signals[i].change >= repeatedChange) changes[count++] = signals[i].change;
+    };
+    for (std::size_t i = frame;
+         i-- > 1 && count < neighbours && isNear(signals[i], signals[frame]);) {
+        take(i);
+    }
+    const std::size_t enough = count + neighbours;
+    for (std::size_t i = frame + 1;
+         i < signals.size() && count < enough && isNear(signals[i], signals[frame]); ++i) {
+        take(i);
+    }
+    if (count < 2) return count == 0 ? 0 : changes[0];
+    const auto end = changes.begin() + count;
+    const double sum = std::accumulate(changes.begin(), end, 0.0);
+    return (sum - *std::max_element(changes.begin(), end)) / static_cast<double>(count - 1);
+}
+
+/// Returns how large changes are between two pictures, in relation to ordinary ones.
+double scaleOf(const FrameSignal& a, const FrameSignal& b, double smallest) {
+    return std::clamp(std::max(a.contrast, b.contrast) / ordinaryContrast, smallest, 1.0);
+}
+
+bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t frame) {
+    const std::size_t first = frame - std::min(frame, cutClearance);
+    const std::size_t last = std::min(signals.size() - 1, frame + cutClearance);
+    for (std::size_t i = first; i <= last; ++i) {
+        const float other = signals[i].lastingChange;
+        if (other > signals[frame].lastingChange) return false;
+        if (i < frame && other == signals[frame].lastingChange) return false;
+    }
+    return true;
+}
+
+Transition transitionOf(const Blend& blend, std::size_t frame) {
+    return {frame - blend.framesBefore + 1, frame, frame + blend.framesAfter};
+}
+
+/// Returns the mean strength of the blends in a stretch of frames, which may reach beyond the ends.
+double meanBlend(std::span<const FrameSignal> signals, std::size_t begin, std::size_t end) {
+    double sum = 0;
+    for (std::size_t i = begin; i < end; ++i)
+        sum += signals[i].blend.strength;
+    return begin < end ? sum / static_cast<double>(end - begin) : 0;
+}
+
+/// Returns the mean strength of the blends beside a transition, over its own length, on the quieter
+/// side: the other side may hold the second half of a fade.
+double blendBeside(std::span<const FrameSignal> signals, const Transition& transition) {
+    const std::size_t length = transition.end - transition.begin;
+    const std::size_t first = transition.begin - std::min(transition.begin, length);
+    const std::size_t last = std::min(signals.size(), transition.end + length);
+    return std::min(meanBlend(signals, first, transition.begin),
+                    meanBlend(signals, transition.end, last));
+}
+
+bool overlaps(const Transition& a, const Transition& b) {
+    return a.begin <= b.end && b.begin <= a.end;
+}
+
+bool isBefore(const Transition& a, const Transition& b) {
+    return a.boundary < b.boundary;
+}
+
+/// Says whether `frame` is in the middle half of a dissolve, where its pictures are surely mixed.
+bool isInMiddleOf(const Transition& dissolve, std::size_t frame) {
+    const std::size_t quarter = (dissolve.end - dissolve.begin) / 4;
+    return dissolve.begin + quarter <= frame && frame < dissolve.end - quarter;
+}
+
+/// Shortens a dissolve so that it holds none of the cuts, which are outside its middle.
+void endAtCuts(Transition& dissolve, std::span<const Transition> cuts) {
+    for (const Transition& cut : cuts) {
+        if (cut.boundary <= dissolve.boundary) {
+            dissolve.begin = std::max(dissolve.begin, cut.boundary);
+        } else {
+            dissolve.end = std::min(dissolve.end, cut.boundary);
+        }
+    }
+}
+
+/// Frames without contrast, from begin to before end.
+struct PlainStretch {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+bool isPlain(const FrameSignal& signal) {
+    return signal.contrast <= plainContrast;
+}
+
+std::vector<PlainStretch> shortPlainStretches(std::span<const FrameSignal> signals) {
+    std::vector<PlainStretch> stretches;
+    for (std::size_t begin = 0; begin < signals.size(); ++begin) {
+        if (!isPlain(signals[begin])) continue;
+        std::size_t end = begin + 1;
+        while (end < signals.size() && isPlain(signals[end]))
+            ++end;
+        const std::int64_t length = signals[end - 1].positionTicks - signals[begin].positionTicks;
+        if (length <= longestPlainTicks) stretches.push_back({begin, end});
+        begin = end;
+    }
+    return stretches;
+}
+
+/// Says whether a transition leads into or out of a stretch; the ends of a dissolve are known to a
+/// fourth of its length only.
+bool touches(const Transition& transition, const PlainStretch& stretch) {
+    const std::size_t slack = (transition.end - transition.begin) / 4;
+    return transition.begin <= stretch.end + slack && stretch.begin <= transition.end + slack;
+}
+
+/// Makes one transition of some that touch a plain stretch. A cut among them says best where the
+/// new scene begins; without one it is the middle of the stretch.
+Transition joinedAcross(const PlainStretch& stretch, std::span<const Transition> touching) {
+    Transition joined{stretch.begin, (stretch.begin + stretch.end) / 2, stretch.end};
+    for (const Transition& transition : touching) {
+        joined.begin = std::min(joined.begin, transition.begin);
+        joined.end = std::max(joined.end, transition.end);
+        if (transition.isCut()) joined.boundary = transition.boundary;
+    }
+    return joined;
+}
+
+}  // namespace
+
+std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double threshold) {
+    std::vector<Transition> cuts;
+    for (std::size_t i = 1; i < signals.size(); ++i) {
+        const double change = signals[i].lastingChange;
+        const double still = stillChange * scaleOf(signals[i - 1], signals[i], smallestChangeScale);
+        if (change < threshold * still || !isLargestLastingChange(signals, i)) continue;
+        if (change < threshold * (changeAround(signals, i) + still)) continue;
+        cuts.push_back({i, i, i});
+    }
+    return cuts;
+}
+
+std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, double threshold) {
+    const auto still = [&](std::size_t i) {
+        const Blend& blend = signals[i].blend;
+        return stillBlend * scaleOf(signals[i - blend.framesBefore], signals[i + blend.framesAfter],
+                                    smallestBlendScale);
+    };
+    std::vector<std::size_t> candidates;
+    for (std::size_t i = 0; i < signals.size(); ++i) {
+        if (signals[i].blend.strength >= threshold * still(i)) candidates.push_back(i);
+    }
+    std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
+        return signals[a].blend.strength > signals[b].blend.strength;
+    });
+    std::vector<Transition> dissolves;
+    for (const std::size_t i : candidates) {
+        const Transition candidate = transitionOf(signals[i].blend, i);
+        const bool taken = std::any_of(dissolves.begin(), dissolves.end(),
+                                       [&](const Transition& t) { return overlaps(t, candidate); });
+        if (taken) continue;
+        const double beside = blendBeside(signals, candidate);
+        if (signals[i].blend.strength < threshold * (beside + still(i))) continue;
+        dissolves.push_back(candidate);
+    }
+    std::sort(dissolves.begin(), dissolves.end(),
+              [](const Transition& a, const Transition& b) { return a.begin < b.begin; });
+    return dissolves;
+}
+
+std::vector<Transition> joinFades(std::span<const FrameSignal> signals,
+                                  std::vector<Transition> transitions) {
+    for (const PlainStretch& stretch : shortPlainStretches(signals)) {
+        const auto touching = std::stable_partition(
+            transitions.begin(), transitions.end(),
+            [&](const Transition& transition) { return !touches(transition, stretch); });
+        if (touching == transitions.end()) continue;
+        const Transition joined = joinedAcross(stretch, {touching, transitions.end()});
+        transitions.erase(touching, transitions.end());
+        const bool atAnEnd = stretch.begin == 0 || stretch.end == signals.size();
+        if (!atAnEnd) transitions.push_back(joined);
+    }
+    std::sort(transitions.begin(), transitions.end(), isBefore);
+    return transitions;
+}
+
+std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, double threshold) {
+    std::vector<Transition> dissolves = findDissolves(signals, threshold);
+    std::vector<Transition> transitions = findCuts(signals, threshold);
+    std::erase_if(transitions, [&](const Transition& cut) {
+        return std::any_of(dissolves.begin(), dissolves.end(), [&](const Transition& dissolve) {
+            return isInMiddleOf(dissolve, cut.boundary);
+        });
+    });
+    for (Transition& dissolve : dissolves)
+        endAtCuts(dissolve, transitions);
+    transitions.insert(transitions.end(), dissolves.begin(), dissolves.end());
+    std::sort(transitions.begin(), transitions.end(), isBefore);
+    return joinFades(signals, std::move(transitions));
+}
+
+}  // namespace reference_host::scenes

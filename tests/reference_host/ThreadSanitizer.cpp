@@ -1,0 +1,9 @@
+/// FFmpeg's libraries are not built for the thread sanitizer, which does not see how their threads
+/// agree among each other: what it intercepts there means nothing. Our own code stays watched.
+extern "C" const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions() {
+    return "called_from_lib:libavcodec.so\n"
+           "called_from_lib:libavformat.so\n"
+           "called_from_lib:libavutil.so\n"
+           "called_from_lib:libswscale.so\n";
+}
