@@ -31,8 +31,16 @@ constexpr float largestDeviation = 0.25F;
 /// longer steady change, such as colours that drift.
 constexpr float largestPaceBeside = 0.75F;
 
+/// How much the louder side beside a blend counts: enough to tell the first or last piece of a zoom
+/// from a dissolve, and not enough to lose one that follows a cut.
+constexpr float weightOfLouderSide = 0.4F;
+
+/// Motion explains more than half of the difference only between pictures of one scene; a slow pan
+/// by a pixel or two is a steady mix of its ends, too.
+constexpr float leastUnexplained = 0.5F;
+
 /// Weaker blends are none, at whatever threshold: less than coding noise makes.
-constexpr float smallestStrength = 1.0F;
+constexpr float smallestStrength = 2.0F;
 
 /// Returns 1 for a perfect steady mix, 0 for none.
 float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t number,
@@ -54,28 +62,36 @@ float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t
            std::max(0.0F, 1 - deviation / largestDeviation);
 }
 
-/// Returns how far two pictures of the window are apart by more than motion or light.
-Difference separationOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
-    const Thumbnail& begin = window[first].thumbnail;
-    return differenceBetween(begin, inLightOf(begin, window[last].thumbnail));
+/// Returns the difference of two pictures of the window that is not confined to one place.
+float differenceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    return differenceBetween(window[first].thumbnail, window[last].thumbnail).widespread;
 }
 
-/// Returns the separation for each picture from `first` to `last`.
+/// Returns what is left of it when both are seen in the same light.
+float unlitDifferenceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    const Thumbnail& begin = window[first].thumbnail;
+    return differenceBetween(begin, inLightOf(begin, window[last].thumbnail)).widespread;
+}
+
+/// Returns the difference for each picture from `first` to `last`.
 float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
-    return separationOf(window, first, last).overall / static_cast<float>(last - first);
+    return differenceOf(window, first, last) / static_cast<float>(last - first);
 }
 
 /// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
-/// those in it. The quieter side counts: the other may hold a cut, or the second half of a fade.
+/// those in it. The quieter side counts most, since the other may hold a cut or the second half of
+/// a fade. A side cut short by the end of the footage is taken to be like the other.
 float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::size_t last,
                       float paceInside) {
     const std::size_t half = (last - first) / 2;
-    const std::size_t before = first - std::min(half, first - window.begin());
-    const std::size_t after = std::min(last + half, window.end() - 1);
-    if (before == first && after == last) return 1;
-    float beside = std::numeric_limits<float>::max();
-    if (before < first) beside = paceOf(window, before, first);
-    if (last < after) beside = std::min(beside, paceOf(window, last, after));
+    const bool hasBefore = first >= window.begin() + half;
+    const bool hasAfter = last + half < window.end();
+    if (!hasBefore && !hasAfter) return 1;
+    const float before = hasBefore ? paceOf(window, first - half, first) : 0;
+    const float after = hasAfter ? paceOf(window, last, last + half) : 0;
+    const float quieter = hasBefore && hasAfter ? std::min(before, after) : before + after;
+    const float louder = std::min(std::max(before, after), paceInside);
+    const float beside = std::max(quieter, weightOfLouderSide * louder);
     return std::max(0.0F, 1 - beside / (largestPaceBeside * paceInside));
 }
 
@@ -84,7 +100,11 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
                  std::size_t last, float least) {
     const float steadiness = steadinessOf(window, first, number, last);
     if (steadiness <= 0) return 0;
-    const float separation = separationOf(window, first, last).widespread;
+    float separation = differenceOf(window, first, last);
+    if (separation * steadiness <= least) return 0;
+    const float unmoved = unmovedDifference(window[first].thumbnail, window[last].thumbnail);
+    if (separation < leastUnexplained * unmoved) return 0;
+    separation = std::min(separation, unlitDifferenceOf(window, first, last));
     if (separation * steadiness <= least) return 0;
     const float paceInside = separation / static_cast<float>(last - first);
     return separation * steadiness * quietnessBeside(window, first, last, paceInside);

@@ -44,7 +44,7 @@ int blockDifference(const Thumbnail::Plane& a, std::size_t offsetA, const Thumbn
     return sum;
 }
 
-/// Returns the difference of the block at `offset` to the place near it in `before` that fits best.
+/// Returns the difference of a block of `after` to the place near it in `before` that fits best.
 int bestBlockDifference(const Thumbnail& before, const Thumbnail& after, std::size_t x0,
                         std::size_t y0) {
     const std::size_t offset = y0 * thumbnailWidthPx + x0;
@@ -76,14 +76,17 @@ bool isBlack(const Thumbnail& thumbnail, std::size_t x0, std::size_t y0) {
     return brightest <= brightestBlack;
 }
 
-/// Compares the shapes of two pictures. Bars beside an upright video say nothing and are left out.
+/// Compares the shapes of two pictures. Blocks are looked for both ways: what a pan uncovers at one
+/// edge of the later picture has no place in the earlier one, but what it has covered there has one
+/// in the later. Bars beside an upright video say nothing and are left out.
 Difference shapeDifference(const Thumbnail& before, const Thumbnail& after) {
     std::array<int, thumbnailPixels / blockPixels> differences{};
     std::size_t count = 0;
     for (std::size_t y = 0; y < thumbnailHeightPx; y += blockHeightPx) {
         for (std::size_t x = 0; x < thumbnailWidthPx; x += blockWidthPx) {
             if (isBlack(before, x, y) && isBlack(after, x, y)) continue;
-            differences[count++] = bestBlockDifference(before, after, x, y);
+            differences[count++] = std::min(bestBlockDifference(before, after, x, y),
+                                            bestBlockDifference(after, before, x, y));
         }
     }
     if (count == 0) return {};
@@ -138,6 +141,12 @@ Difference differenceBetween(const Thumbnail& before, const Thumbnail& after) {
     const float tones = toneDifference(before, after);
     return {shape.overall + std::min(shape.overall, tones),
             shape.widespread + std::min(shape.widespread, tones)};
+}
+
+float unmovedDifference(const Thumbnail& a, const Thumbnail& b) {
+    const int sum =
+        planeDifference(a.luma, b.luma) + planeDifference(a.u, b.u) + planeDifference(a.v, b.v);
+    return static_cast<float>(sum) / static_cast<float>(thumbnailPixels);
 }
 
 Thumbnail inLightOf(const Thumbnail& model, const Thumbnail& picture) {

@@ -21,6 +21,9 @@ struct Difference {
 /// pixels, wherever they are, differ; they count for no more than the shape.
 Difference differenceBetween(const Thumbnail& before, const Thumbnail& after);
 
+/// Returns how far two pictures are apart pixel by pixel, as if nothing had moved.
+float unmovedDifference(const Thumbnail& a, const Thumbnail& b);
+
 /// Returns `picture` with its brightness shifted and stretched towards the mean and contrast of
 /// `model`: what is left between the two is no mere change of light.
 Thumbnail inLightOf(const Thumbnail& model, const Thumbnail& picture);

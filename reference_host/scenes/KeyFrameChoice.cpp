@@ -5,10 +5,10 @@
 #include <iterator>
 #include <span>
 
+#include "reference_host/scenes/FrameSignal.h"
+
 namespace reference_host::scenes {
 namespace {
-
-constexpr std::int64_t ticksPerSecond = 10'000'000;
 
 using Frames = std::span<const FrameRecord>;
 
@@ -51,24 +51,47 @@ const FrameRecord& frameShownAt(Frames frames, double positionTicks) {
     return next == frames.begin() ? *next : *std::prev(next);
 }
 
-/// Appends `count` frames, the sharpest of some that lie in the middle half of each of `count`
-/// equal stretches: so two of them are never closer than half a stretch.
+/// Where in its stretch the candidate number `k` of `count` lies: evenly over the middle half, so
+/// that two keyframes are never closer than half a stretch; those nearest the middle come first.
+double placeOfCandidate(std::size_t k, std::size_t count) {
+    const double distance = 0.5 * static_cast<double>((k + 1) / 2) / static_cast<double>(count);
+    return k % 2 == 1 ? 0.5 - distance : 0.5 + distance;
+}
+
+/// Appends the sharpest candidate of each of `count` equal stretches; frames is not empty.
 void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
                 std::vector<std::int64_t>& chosen) {
     const double begin = static_cast<double>(frames.front().positionTicks);
-    const double stretch =
-        (static_cast<double>(frames.back().positionTicks) - begin) / static_cast<double>(count);
+    const double end = static_cast<double>(frames.back().positionTicks);
+    const double stretch = (end - begin) / static_cast<double>(count);
     for (std::size_t i = 0; i < count; ++i) {
         const FrameRecord* best = nullptr;
         for (std::size_t k = 0; k < candidates; ++k) {
-            const double within =
-                0.25 + 0.5 * (static_cast<double>(k) + 0.5) / static_cast<double>(candidates);
-            const FrameRecord& frame =
-                frameShownAt(frames, begin + stretch * (static_cast<double>(i) + within));
+            const double place = static_cast<double>(i) + placeOfCandidate(k, candidates);
+            const FrameRecord& frame = frameShownAt(frames, begin + stretch * place);
             if (best == nullptr || frame.sharpness > best->sharpness) best = &frame;
         }
         chosen.push_back(best->positionTicks);
     }
+}
+
+/// Appends the keyframes of one range of `footage`; `pureFrames` are its frames outside of
+/// transitions.
+void chooseWithin(const KOR::TickRange& range, const FootageRecord& footage, Frames pureFrames,
+                  const KOR::KeyFrameParameters& parameters, std::vector<std::int64_t>& chosen) {
+    const Frames all = framesWithin(footage.frames, range);
+    if (all.empty()) return;
+    const Frames inner = withoutMargins(all, parameters);
+    const Frames pure =
+        framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
+    const Frames eligible = pure.empty() ? inner : pure;
+
+    const std::int64_t begin = std::max<std::int64_t>(0, range.begin);
+    const std::int64_t end =
+        std::min(range.end, std::max(footage.durationTicks, all.back().positionTicks + 1));
+    const std::size_t count = std::min(wantedCount(end - begin, parameters), eligible.size());
+    const auto candidates = static_cast<std::size_t>(std::max(1, parameters.candidatesPerKeyFrame));
+    chooseFrom(eligible, count, std::min(candidates, eligible.size() / count + 1), chosen);
 }
 
 }  // namespace
@@ -81,20 +104,7 @@ std::vector<std::int64_t> chooseKeyFrames(const FootageRecord& footage,
                  [](const FrameRecord& frame) { return !frame.inTransition; });
     std::vector<std::int64_t> chosen;
     for (const KOR::TickRange& range : ranges) {
-        const Frames all = framesWithin(footage.frames, range);
-        if (all.empty()) continue;
-        const Frames inner = withoutMargins(all, parameters);
-        const Frames pure =
-            framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
-        const Frames eligible = pure.empty() ? inner : pure;
-        const std::int64_t end =
-            std::max(all.back().positionTicks + 1, std::min(range.end, footage.durationTicks));
-        const std::int64_t begin =
-            std::max<std::int64_t>(0, std::min(range.begin, all.front().positionTicks));
-        const std::size_t count = std::min(wantedCount(end - begin, parameters), eligible.size());
-        const auto candidates =
-            static_cast<std::size_t>(std::max(1, parameters.candidatesPerKeyFrame));
-        chooseFrom(eligible, count, std::min(candidates, eligible.size() / count + 1), chosen);
+        chooseWithin(range, footage, pureFrames, parameters, chosen);
     }
     std::sort(chosen.begin(), chosen.end());
     chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());

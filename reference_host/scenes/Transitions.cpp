@@ -12,6 +12,10 @@ namespace {
 /// Changes below this differ from no change by the coder's noise only: a repeated picture.
 constexpr float repeatedChange = 0.25F;
 
+/// Footage of 5 pictures a second that was brought to a higher rate repeats them for less than
+/// this; where nothing changes for longer, the picture stands still.
+constexpr std::int64_t longestRepetitionTicks = ticksPerSecond / 5;
+
 /// How many moving pictures on each side are a picture's neighbours, and how far they may be away
 /// where pictures are rare. Fewer follow noise, more reach into other movements.
 constexpr std::size_t neighbours = 5;
@@ -21,7 +25,7 @@ constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 /// threshold times this on. In ordinary footage, at the default threshold, 9 is what a sudden
 /// gesture in a still scene reaches, and the weakest cuts begin above 20.
 constexpr double stillChange = 3.0;
-constexpr double stillBlend = 2.5;
+constexpr double stillBlend = 2.3;
 
 /// Ordinary contrast. In darker or flatter pictures changes are smaller, and so is what is added
 /// above; but grain and the steps of 8 bits are not, so that it shrinks to a part only. A blend
@@ -32,6 +36,9 @@ constexpr double smallestBlendScale = 0.5;
 
 /// A cut is the largest change within so many frames.
 constexpr std::size_t cutClearance = 2;
+
+/// Dissolves that are no further apart are pieces of one.
+constexpr std::size_t dissolveClearance = 3;
 
 /// A picture with less contrast is plain.
 constexpr float plainContrast = 2.0F;
@@ -44,6 +51,19 @@ bool isNear(const FrameSignal& a, const FrameSignal& b) {
     return last - first <= neighbourhoodTicks;
 }
 
+bool isRepeated(const FrameSignal& signal) {
+    return signal.change < repeatedChange;
+}
+
+/// Says whether nothing has changed at a frame for so long that it is no mere repetition.
+bool isStill(std::span<const FrameSignal> signals, std::size_t frame) {
+    const std::int64_t since = signals[frame].positionTicks - longestRepetitionTicks;
+    for (std::size_t i = frame; i > 0 && signals[i].positionTicks > since; --i) {
+        if (!isRepeated(signals[i])) return false;
+    }
+    return true;
+}
+
 /// Returns the mean change of a frame's neighbours, without its own and without the largest of
 /// them, which may be another cut or a flash. Repeated pictures are skipped: they say nothing about
 /// how much the footage moves.
@@ -51,18 +71,18 @@ double changeAround(std::span<const FrameSignal> signals, std::size_t frame) {
     std::array<float, 2 * neighbours> changes{};
     std::size_t count = 0;
     const auto take = [&](std::size_t i) {
-        if (signals[i].change >= repeatedChange) changes[count++] = signals[i].change;
+        if (isRepeated(signals[i]) && !isStill(signals, i)) return;
+        changes[count++] = signals[i].change;
     };
-    for (std::size_t i = frame;
-         i-- > 1 && count < neighbours && isNear(signals[i], signals[frame]);) {
+    const auto isNeighbour = [&](std::size_t i, std::size_t limit) {
+        return count < limit && isNear(signals[i], signals[frame]);
+    };
+    for (std::size_t i = frame; i-- > 1 && isNeighbour(i, neighbours);)
         take(i);
-    }
-    const std::size_t enough = count + neighbours;
-    for (std::size_t i = frame + 1;
-         i < signals.size() && count < enough && isNear(signals[i], signals[frame]); ++i) {
+    const std::size_t limit = count + neighbours;
+    for (std::size_t i = frame + 1; i < signals.size() && isNeighbour(i, limit); ++i)
         take(i);
-    }
-    if (count < 2) return count == 0 ? 0 : changes[0];
+    if (count < 2) return 0;
     const auto end = changes.begin() + count;
     const double sum = std::accumulate(changes.begin(), end, 0.0);
     return (sum - *std::max_element(changes.begin(), end)) / static_cast<double>(count - 1);
@@ -88,22 +108,30 @@ Transition transitionOf(const Blend& blend, std::size_t frame) {
     return {frame - blend.framesBefore + 1, frame, frame + blend.framesAfter};
 }
 
-/// Returns the mean strength of the blends in a stretch of frames, which may reach beyond the ends.
+/// Returns the mean strength of the blends from `begin` to before `end`, which is not `begin`.
 double meanBlend(std::span<const FrameSignal> signals, std::size_t begin, std::size_t end) {
     double sum = 0;
-    for (std::size_t i = begin; i < end; ++i)
-        sum += signals[i].blend.strength;
-    return begin < end ? sum / static_cast<double>(end - begin) : 0;
+    for (const FrameSignal& signal : signals.subspan(begin, end - begin)) {
+        sum += signal.blend.strength;
+    }
+    return sum / static_cast<double>(end - begin);
 }
 
 /// Returns the mean strength of the blends beside a transition, over its own length, on the quieter
-/// side: the other side may hold the second half of a fade.
+/// side: the other side may hold the second half of a fade. A side cut short by the end of the
+/// footage tells nothing.
 double blendBeside(std::span<const FrameSignal> signals, const Transition& transition) {
     const std::size_t length = transition.end - transition.begin;
-    const std::size_t first = transition.begin - std::min(transition.begin, length);
-    const std::size_t last = std::min(signals.size(), transition.end + length);
-    return std::min(meanBlend(signals, first, transition.begin),
-                    meanBlend(signals, transition.end, last));
+    const bool hasBefore = transition.begin >= length;
+    const bool hasAfter = transition.end + length <= signals.size();
+    if (!hasBefore && !hasAfter) return 0;
+    const auto before = [&] {
+        return meanBlend(signals, transition.begin - length, transition.begin);
+    };
+    const auto after = [&] { return meanBlend(signals, transition.end, transition.end + length); };
+    if (!hasBefore) return after();
+    if (!hasAfter) return before();
+    return std::min(before(), after());
 }
 
 bool overlaps(const Transition& a, const Transition& b) {
@@ -112,6 +140,21 @@ bool overlaps(const Transition& a, const Transition& b) {
 
 bool isBefore(const Transition& a, const Transition& b) {
     return a.boundary < b.boundary;
+}
+
+/// Makes one of dissolves that follow each other at once: where a scene moves while it dissolves,
+/// the two halves may look more like dissolves than the whole.
+std::vector<Transition> withPiecesJoined(std::span<const Transition> dissolves) {
+    std::vector<Transition> joined;
+    for (const Transition& dissolve : dissolves) {
+        if (joined.empty() || dissolve.begin > joined.back().end + dissolveClearance) {
+            joined.push_back(dissolve);
+        } else {
+            joined.back().end = dissolve.end;
+            joined.back().boundary = (joined.back().begin + dissolve.end) / 2;
+        }
+    }
+    return joined;
 }
 
 /// Says whether `frame` is in the middle half of a dissolve, where its pictures are surely mixed.
@@ -211,9 +254,8 @@ std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, doub
         if (signals[i].blend.strength < threshold * (beside + still(i))) continue;
         dissolves.push_back(candidate);
     }
-    std::sort(dissolves.begin(), dissolves.end(),
-              [](const Transition& a, const Transition& b) { return a.begin < b.begin; });
-    return dissolves;
+    std::sort(dissolves.begin(), dissolves.end(), isBefore);
+    return withPiecesJoined(dissolves);
 }
 
 std::vector<Transition> joinFades(std::span<const FrameSignal> signals,

@@ -32,7 +32,6 @@ public:
 
     Object* get() const { return object_; }
     Object* operator->() const { return object_; }
-    Object& operator*() const { return *object_; }
     explicit operator bool() const { return object_ != nullptr; }
 
 private:

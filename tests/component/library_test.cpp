@@ -1,0 +1,121 @@
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <string>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
+#include "tests/support/FakeHost.h"
+#include "tests/support/FakeMedia.h"
+#include "tests/support/FakeTask.h"
+#include "tests/support/RecordingListener.h"
+
+namespace fake_host {
+namespace {
+
+/// The component as an editor meets it: a file that is loaded at run time. This program does not
+/// link the component, but offers it a host.
+class Library : public ::testing::Test {
+protected:
+    Library() {
+        host().reset();
+        handle_ = dlopen(MATERIAL_ANALYSIS_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    }
+    ~Library() override {
+        if (handle_ != nullptr) dlclose(handle_);
+        host().reset();
+    }
+
+    void SetUp() override { ASSERT_NE(handle_, nullptr) << dlerror(); }
+
+    Owned<KOR::IKorMaterialAnalysis> create() {
+        using Factory = KOR::IKorMaterialAnalysis* (*)();
+        const auto factory = reinterpret_cast<Factory>(dlsym(handle_, "createMaterialAnalysis"));
+        return Owned<KOR::IKorMaterialAnalysis>(factory == nullptr ? nullptr : factory());
+    }
+
+    /// The text of an exported key, by its mangled name.
+    std::string key(const char* name) {
+        const auto* const text = static_cast<const char* const*>(dlsym(handle_, name));
+        return text == nullptr ? "" : *text;
+    }
+
+    void* handle_ = nullptr;
+};
+
+TEST_F(Library, RunsOnWhateverHostTheProgramHas) {
+    auto analysis = create();
+    ASSERT_NE(analysis, nullptr);
+    RecordingListener listener;
+    analysis->addCallBack(&listener);
+    {
+        const Owned<FakeMedia> clip(new FakeMedia(
+            video("clip.mp4", 1000000000).keyFrames({5}).cacheIn(host().directory())));
+        const Owned<KOR::IKORVoidPtrList> materials(createKORVoidPtrList());
+        materials->append(asElement(*clip));
+        EXPECT_EQ(analysis->insertMaterials(materials.get(), 0), KOR::statusOk);
+    }
+    {
+        const Owned<KOR::IKORIntList> kinds(createKORIntList());
+        kinds->append(KOR::analysisKindScence);
+        kinds->append(KOR::analysisKindKeyFrame);
+        EXPECT_EQ(analysis->setAnalysisKinds(kinds.get()), KOR::statusOk);
+    }
+    EXPECT_EQ(analysis->start(), KOR::statusOk);
+    host().finishAllTasks();
+    EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{2});
+    {
+        const Owned<KOR::IKORVoidPtrList> records(createKORAutoVoidPtrList());
+        EXPECT_EQ(analysis->getResults(records.get()), KOR::statusOk);
+        ASSERT_EQ(records->count(), 1);
+        const auto* const record = static_cast<KOR::MaterialAnalysisResult*>(records->at(0));
+        EXPECT_EQ(record->score, 1000000001.0 * 0.3 / 1000000000.0);
+        EXPECT_EQ(record->posOfMaxScore, 5);
+        KOR::IDmBaseMedia* const media = record->media;
+        media->release();
+        media->release();
+    }
+    EXPECT_TRUE(std::filesystem::exists(host().directory() / "analysis" / "result.json"));
+    analysis.reset();
+    EXPECT_EQ(host().live.media, 0);
+    EXPECT_EQ(host().live.tasks, 0);
+    EXPECT_EQ(host().live.lists, 0);
+    EXPECT_EQ(host().complaints(), std::vector<std::string>());
+}
+
+TEST_F(Library, KeysCanBeReadByTheirNames) {
+    EXPECT_EQ(key("_ZN3KOR16analysisParamKey17minScenceDurationE"), "minScenceDuration");
+    EXPECT_EQ(key("_ZN3KOR16analysisParamKey24scenceDetectionThresholdE"),
+              "scenceDetectionThreshold");
+    EXPECT_EQ(key("_ZN3KOR16analysisParamKey23minNeedAnalysisDuartionE"),
+              "minNeedAnalysisDuartion");
+    EXPECT_EQ(key("_ZN3KOR16analysisParamKey17photoNeedAnalysisE"), "photoNeedAnalysis");
+}
+
+/// The names that the library defines for others, as the binary utilities list them.
+std::set<std::string> exportedSymbols() {
+    const std::string command = "nm -D --defined-only --format=posix " MATERIAL_ANALYSIS_LIBRARY;
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    std::set<std::string> names;
+    std::string line(4096, '\0');
+    while (pipe && std::fgets(line.data(), static_cast<int>(line.size()), pipe.get()) != nullptr) {
+        names.emplace(line.data(), std::strcspn(line.data(), " "));
+    }
+    return names;
+}
+
+TEST(LibraryFile, ExportsTheFactoryAndTheKeysOnly) {
+    EXPECT_EQ(exportedSymbols(),
+              (std::set<std::string>{"createMaterialAnalysis",
+                                     "_ZN3KOR16analysisParamKey17minScenceDurationE",
+                                     "_ZN3KOR16analysisParamKey24scenceDetectionThresholdE",
+                                     "_ZN3KOR16analysisParamKey23minNeedAnalysisDuartionE",
+                                     "_ZN3KOR16analysisParamKey17photoNeedAnalysisE"}));
+}
+
+}  // namespace
+}  // namespace fake_host

@@ -1,0 +1,75 @@
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <locale>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/component/RunTest.h"
+
+namespace fake_host {
+namespace {
+
+/// Writes 1234567.5 as 1.234.567,5.
+class CommaDecimals final : public std::numpunct<char> {
+protected:
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+class Locale : public RunTest {
+protected:
+    ~Locale() override {
+        std::locale::global(std::locale::classic());
+        std::setlocale(LC_ALL, "C");
+    }
+
+    /// Everything that a run with many digits says and writes.
+    Lines traceOfARun() {
+        component().clearMaterials();
+        for (int i = 0; i < 1200; ++i)
+            insert(photo("photo.jpg"));
+        insert(video("clip.mp4", 1000000000).keyFrames({123456789}).cacheIn(host().directory()));
+        setThreshold(1234.5);
+        host().takeJournal();
+        runToEnd();
+        Lines trace = journal();
+        trace.push_back(resultFile());
+        return trace;
+    }
+};
+
+TEST_F(Locale, OfTheStreamsChangesNothing) {
+    useKinds({6, 4, 3});
+    const Lines plain = traceOfARun();
+    std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
+    const Lines grouped = traceOfARun();
+    EXPECT_EQ(grouped, plain);
+}
+
+/// Switches the C library to German, if need be with a locale compiled into `directory`.
+bool speakGerman(const std::filesystem::path& directory) {
+    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE"}) {
+        if (std::setlocale(LC_ALL, name) != nullptr) return true;
+    }
+    const std::string target = (directory / "de_DE.UTF-8").string();
+    const std::string command = "localedef -i de_DE -f UTF-8 '" + target + "' >/dev/null 2>&1";
+    if (std::system(command.c_str()) != 0) return false;
+    setenv("LOCPATH", directory.c_str(), 1);
+    return std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+}
+
+TEST_F(Locale, OfTheCLibraryChangesNothing) {
+    useKinds({6, 4, 3});
+    const Lines plain = traceOfARun();
+    if (!speakGerman(host().directory())) GTEST_SKIP() << "no locale with decimal commas";
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    const Lines german = traceOfARun();
+    EXPECT_EQ(german, plain);
+}
+
+}  // namespace
+}  // namespace fake_host

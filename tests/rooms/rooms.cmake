@@ -1,0 +1,45 @@
+# Fails when a source includes what its room may not. Run as: cmake -D ROOT=... -P rooms.cmake
+set(component modules/BusinessLayer/MaterialAnalysis)
+set(violations "")
+
+# Checks the includes in all sources below `room`, those of the sub-rooms named behind `EXCEPT`
+# aside: each has to match `allowed`.
+function(check_room room allowed)
+  cmake_parse_arguments(arg "" "" "EXCEPT" ${ARGN})
+  file(GLOB_RECURSE sources RELATIVE ${ROOT} ${ROOT}/${room}/*.h ${ROOT}/${room}/*.cpp)
+  if(NOT sources)
+    message(FATAL_ERROR "no sources in ${room}")
+  endif()
+  foreach(source IN LISTS sources)
+    list(JOIN arg_EXCEPT "|" excepted)
+    if(arg_EXCEPT AND source MATCHES "^(${excepted})")
+      continue()
+    endif()
+    file(STRINGS ${ROOT}/${source} includes REGEX "^#include ")
+    foreach(include IN LISTS includes)
+      string(REGEX REPLACE "^#include [<\"]([^>\"]+)[>\"].*" "\\1" name "${include}")
+      if(NOT name MATCHES "^(${allowed})")
+        list(APPEND violations "${source} includes ${name}")
+      endif()
+    endforeach()
+  endforeach()
+  set(violations "${violations}" PARENT_SCOPE)
+endfunction()
+
+# A header of the C++ standard library: no folder, no ending.
+set(standard "[a-z_0-9]+$")
+
+check_room(host "${standard}|host/")
+check_room(${component} "${standard}|host/|${component}/" EXCEPT ${component}/ResultCacheText.cpp)
+check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
+  EXCEPT reference_host/media reference_host/services/Log)
+check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")
+check_room(reference_host/media
+  "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|fcntl.h$|sys/|unistd.h$")
+check_room(autotrim
+  "${standard}|host/|autotrim/|reference_host/ReferenceHost.h|${component}/IKorMaterialAnalysis.h|CLI/|fmt/|rapidjson/|[a-z]+.h$|sys/")
+
+if(violations)
+  list(JOIN violations "\n  " text)
+  message(FATAL_ERROR "rooms that include what they may not:\n  ${text}")
+endif()

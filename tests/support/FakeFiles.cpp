@@ -1,0 +1,81 @@
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "host/files.h"
+#include "host/geometry.h"
+#include "tests/support/FakeHost.h"
+
+namespace KOR {
+
+Path::Path(const char* text) : text_(text == nullptr ? "" : text) {}
+Path::Path(std::string text) : text_(std::move(text)) {}
+
+const std::string& Path::string() const {
+    return text_;
+}
+
+bool PathUtil::exists(const Path& path) {
+    std::error_code error;
+    return std::filesystem::exists(path.string(), error);
+}
+
+Path PathUtil::join(const Path& base, const Path& tail) {
+    if (base.string().empty()) return tail;
+    if (tail.string().empty()) return base;
+    std::string text = base.string();
+    while (!text.empty() && text.back() == '/')
+        text.pop_back();
+    const std::size_t start = tail.string().find_first_not_of('/');
+    return Path(text + "/" + (start == std::string::npos ? "" : tail.string().substr(start)));
+}
+
+bool DirUtil::create(const Path& path) {
+    if (fake_host::host().faults.directoriesFail) return false;
+    std::error_code error;
+    std::filesystem::create_directories(path.string(), error);
+    return std::filesystem::is_directory(path.string(), error);
+}
+
+bool FileUtil::remove(const Path& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path.string(), error)) return false;
+    return std::filesystem::remove(path.string(), error);
+}
+
+std::vector<std::string> StringUtil::split(const std::string& text, char separator) {
+    std::vector<std::string> parts(1);
+    for (const char c : text) {
+        if (c == separator) {
+            parts.emplace_back();
+        } else {
+            parts.back() += c;
+        }
+    }
+    return parts;
+}
+
+double width(const KorRect& rect) {
+    return rect.width;
+}
+
+double height(const KorRect& rect) {
+    return rect.height;
+}
+
+KorPoint centerPoint(const KorRect& rect) {
+    return {rect.x + rect.width / 2, rect.y + rect.height / 2};
+}
+
+std::int32_t pointInRect(const KorPoint& point, const KorRect& rect) {
+    const bool across = rect.x <= point.x && point.x <= rect.x + rect.width;
+    const bool along = rect.y <= point.y && point.y <= rect.y + rect.height;
+    return across && along ? 1 : 0;
+}
+
+}  // namespace KOR
+
+std::size_t kor_strlen(const char* text) {
+    return text == nullptr ? 0 : std::strlen(text);
+}
