@@ -83,11 +83,9 @@ bool PictureScaler::prepare(const Source& source) {
     for (const auto& [option, value] : {std::pair{"srcw", source.widthPx},
                                         {"srch", source.heightPx},
                                         {"src_format", int{source.format}},
-                                        {"src_range", int{source.fullRange}},
                                         {"dstw", smallWidthPx},
                                         {"dsth", smallHeightPx},
                                         {"dst_format", int{smallFormat}},
-                                        {"dst_range", 1},
                                         {"sws_flags", SWS_AREA}}) {
         av_opt_set_int(scaler.get(), option, value, 0);
     }

@@ -104,6 +104,12 @@ bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t fr
     return true;
 }
 
+/// Returns how much a blend explains: a short piece of a dissolve may look purer than the whole,
+/// but explains less of what is seen.
+float weightOf(const Blend& blend) {
+    return blend.strength * static_cast<float>(blend.framesBefore + blend.framesAfter);
+}
+
 Transition transitionOf(const Blend& blend, std::size_t frame) {
     return {frame - blend.framesBefore + 1, frame, frame + blend.framesAfter};
 }
@@ -242,7 +248,7 @@ std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, doub
         if (signals[i].blend.strength >= threshold * still(i)) candidates.push_back(i);
     }
     std::stable_sort(candidates.begin(), candidates.end(), [&](std::size_t a, std::size_t b) {
-        return signals[a].blend.strength > signals[b].blend.strength;
+        return weightOf(signals[a].blend) > weightOf(signals[b].blend);
     });
     std::vector<Transition> dissolves;
     for (const std::size_t i : candidates) {

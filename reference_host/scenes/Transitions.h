@@ -31,7 +31,7 @@ std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, doub
 std::vector<Transition> joinFades(std::span<const FrameSignal> signals,
                                   std::vector<Transition> transitions);
 
-/// Finds all transitions, in ascending order; no two overlap or have the same boundary.
+/// Finds all transitions, in ascending order of their boundaries.
 std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, double threshold);
 
 }  // namespace reference_host::scenes

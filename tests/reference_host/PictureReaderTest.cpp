@@ -43,6 +43,8 @@ TEST(PictureReader, GivesFullRangeForEveryFormat) {
         expectAll(white.u, 128);
         expectAll(white.v, 128);
         expectAll(pictureOf("black", stored).luma, 0);
+        // Clipping would hide a wrong range at the ends of it.
+        expectAll(pictureOf("0x404040", stored).luma, 64);
     }
 }
 

@@ -43,6 +43,15 @@ TEST(Difference, OnePlaceIsNotWidespread) {
     EXPECT_FLOAT_EQ(difference.widespread, 0);
 }
 
+TEST(Difference, OnePlaceCountsTwiceTheMiddleAtMost) {
+    const PictureSample popup = covered(plain(103), 64, 36, 64, 36, 200, 128, 128);
+
+    const Difference difference = differenceBetween(thumbnail(plain(100)), thumbnail(popup));
+
+    EXPECT_GT(difference.overall, 12);
+    EXPECT_FLOAT_EQ(difference.widespread, 2 * (8 * 3 + 6) / 9.0F);
+}
+
 TEST(Difference, BlackBarsDoNotDilute) {
     const auto upright = [](std::uint32_t seed) {
         const PictureSample picture = Scenery(seed).picture();

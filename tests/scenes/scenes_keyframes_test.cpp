@@ -52,12 +52,13 @@ TEST(KeyFrames, AreSpreadOut) {
     }
 }
 
-TEST(KeyFrames, SharpestCandidateWins) {
+TEST(KeyFrames, SharpestOfTheMiddleHalfWins) {
     KOR::KeyFrameParameters parameters = defaults();
     parameters.candidatesPerKeyFrame = 1000;
     FootageRecord record = footage(100);
     record.frames[60].sharpness = 11;
-    record.frames[5].sharpness = 90;
+    record.frames[23].sharpness = 90;
+    record.frames[77].sharpness = 90;
     EXPECT_EQ(chooseKeyFrames(record, {{0, 4 * second}}, parameters), Positions({60 * step}));
 }
 

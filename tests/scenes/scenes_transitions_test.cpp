@@ -147,6 +147,13 @@ TEST(Dissolves, StrongestOfOverlappingBlendsCounts) {
     EXPECT_EQ(boundariesOf(findDissolves(signals, 3.0)), Frames({52, 150}));
 }
 
+TEST(Dissolves, WholeCountsBeforeAPurerPiece) {
+    auto signals = quietSignals(200);
+    setBlend(signals, 100, 30, 10);
+    setBlend(signals, 108, 50, 3);
+    EXPECT_EQ(boundariesOf(findDissolves(signals, 3.0)), Frames({100}));
+}
+
 TEST(Dissolves, PiecesThatFollowAtOnceAreOne) {
     auto signals = quietSignals(200);
     setBlend(signals, 50, 60, 6);
