@@ -122,6 +122,11 @@ std::string Process::readErrorLine() {
     return errors_.substr(begin, end - begin);
 }
 
+void Process::readErrorsUntil(const std::string& text) {
+    while (errors_.find(text) == std::string::npos && readErrors()) {
+    }
+}
+
 void Process::send(int signal) const {
     check(kill(pid_, signal) == 0, "kill");
 }

@@ -39,6 +39,9 @@ public:
     /// Returns the next line of its standard error, without its end; empty at the end of all.
     std::string readErrorLine();
 
+    /// Reads its standard error until `text` has come, or until its end.
+    void readErrorsUntil(const std::string& text);
+
     /// The directory that is its HOME.
     const std::filesystem::path& home() const { return directory_.path(); }
 
