@@ -108,7 +108,7 @@ private:
     Status keyFrameDetectFinished(IBsMediaAnalysisTask* task);
     Status keyFrameDetectFinishedInternal(IBsMediaAnalysisTask* task);
     Status scenceAndKeyframeDetectFinished(IBsMediaAnalysisTask* task);
-    std::vector<KeyFrameScore> keyFramesOfScence(IBsMediaAnalysisTask& task, std::size_t scence,
+    std::vector<KeyFrameScore> keyFramesOfScence(const IKORVoidPtrList* found, std::size_t scence,
                                                  std::int64_t& cursor) const;
     void logScencesWithKeyFrames() const;
 

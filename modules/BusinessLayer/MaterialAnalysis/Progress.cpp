@@ -22,7 +22,6 @@ double shareDone(const RunPosition& at, double taskPercent) {
 }  // namespace
 
 std::int32_t overallProgress(const RunPosition& position, std::int32_t taskPercent) {
-    if (position.durationOfAll == 0) return 0;
     const double percent = shareDone(position, taskPercent) * position.scale * 100;
     if (std::isnan(percent)) return 0;
     using Limits = std::numeric_limits<std::int32_t>;

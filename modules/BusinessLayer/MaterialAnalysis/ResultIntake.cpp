@@ -53,9 +53,13 @@ Status KorMaterialAnalysis::keyFrameDetectFinishedInternal(IBsMediaAnalysisTask*
     if (task == nullptr) return statusFailed;
     keyFramesOfScences.clear();
     logLine(function, "duration score result: {");
+    // Fetched for every scene until the host gives a list: it is the same one each time, and a task
+    // copies every keyframe into it.
+    Ref<IKORVoidPtrList> found;
     std::int64_t cursor = 0;
     for (std::size_t scence = 0; scence < scenceRanges.size(); ++scence) {
-        std::vector<KeyFrameScore> keyFrames = keyFramesOfScence(*task, scence, cursor);
+        if (!found) found = resultsOf(*task, analysisTypeKeyFrame);
+        std::vector<KeyFrameScore> keyFrames = keyFramesOfScence(found.get(), scence, cursor);
         if (!keyFrames.empty()) {
             const double score =
                 durationScore(scenceRanges[scence], mediaDuration(currentMaterial()));
@@ -70,12 +74,12 @@ Status KorMaterialAnalysis::keyFrameDetectFinishedInternal(IBsMediaAnalysisTask*
 }
 
 /// Walks on from keyframe `cursor`, which all scenes share, to the first one behind the scene.
-std::vector<KeyFrameScore> KorMaterialAnalysis::keyFramesOfScence(IBsMediaAnalysisTask& task,
+/// Without a list there are none.
+std::vector<KeyFrameScore> KorMaterialAnalysis::keyFramesOfScence(const IKORVoidPtrList* found,
                                                                   std::size_t scence,
                                                                   std::int64_t& cursor) const {
     std::vector<KeyFrameScore> keyFrames;
-    const Ref<IKORVoidPtrList> found = resultsOf(task, analysisTypeKeyFrame);
-    for (; found && cursor < found->count(); ++cursor) {
+    for (; found != nullptr && cursor < found->count(); ++cursor) {
         const auto* const position = static_cast<const std::int64_t*>(found->at(cursor));
         if (position == nullptr) continue;
         const Place place = placeOf(*position, scenceRanges[scence]);
