@@ -47,7 +47,7 @@ KOR::IKORLonglongList* createKORLonglongList();
 ///
 /// Lists of materials are of this kind: each element is an `IDmBaseObj*` converted to `void*`. So
 /// are lists of scene ranges: the pairs stay with the caller of
-/// IBsMediaAnalysisTask::setScenceRanges, who frees them once the call has returned.
+/// IBsMediaAnalysisTask::setSceneRanges, who frees them once the call has returned.
 KOR::IKORVoidPtrList* createKORVoidPtrList();
 
 /// Makes a list that owns: each element is one block obtained from `::operator new` that needs no

@@ -62,10 +62,10 @@ public:
 ///
 /// Life: made by a factory, prepared, started; it reports until its last event, and may then be
 /// prepared and started again, also from inside that last event. Setters are called between runs
-/// only. What a task needs of the outside it copies when it is told, so that nothing that the
-/// caller owns is touched after an operation has returned, the source and the listeners aside.
-/// Giving back the last reference on a running task ends its run without a further event; from
-/// another thread it returns when no event can still come.
+/// only. What a task needs of the outside it copies, or takes its own hold on, when it is told, so
+/// that nothing that the caller owns is touched after an operation has returned, the listeners
+/// aside. Giving back the last reference on a running task ends its run without a further event;
+/// from another thread it returns when no event can still come.
 class IKorBaseTask : public virtual IDmBaseObj {
 public:
     /// 0. Returns the code of the kind of task; the component is itself a task, of type 10.
@@ -95,7 +95,7 @@ public:
 
     /// 7. Starts a run. The task may report, even finish, before this returns, on this thread or
     /// another; and its last reference may be given back in such a report. statusFailed when no run
-    /// was started: no event comes then.
+    /// was started, as when one is on already: no event comes then.
     virtual Status start() = 0;
 
     /// 8. Pauses the run, where the task can; otherwise statusFailed without effect.
@@ -108,7 +108,8 @@ public:
     ///
     /// When it returns, no event of this run can still come; a running task has sent
     /// taskEventStopped as its last. Called from inside one of the task's own events it does not
-    /// wait for that event, and no other follows it but taskEventStopped.
+    /// wait for that event, and no other of this run follows it but taskEventStopped, which may
+    /// come as late as after the event: a run started in there comes behind it.
     virtual Status stop() = 0;
 
     /// 11. Returns the task's state; its values are the task's own.
@@ -180,9 +181,10 @@ enum ParameterMode : std::int32_t {
 class IBsMediaAnalysisTask : public virtual IKorBaseTask {
 public:
     /// 0. Sets the source of the next run and forgets what belonged to the one before: its lists,
-    /// blocks, mode and results. The two further arguments are 0. The source is not owned; it
-    /// stays alive until the run is over. statusFailed, also for null: the task has no source, and
-    /// a run of it fails with taskEventFailed and still finishes.
+    /// blocks, mode and results. The two further arguments are 0. The task takes its own hold on
+    /// what it will read: the source is only sure to live during this call, since its material may
+    /// be removed while the run is on. statusFailed, also for null: the task has no source, and a
+    /// run of it fails with taskEventFailed and still finishes.
     virtual Status setSource(IDmMediaSource* source, std::int64_t reserved1,
                              std::int64_t reserved2) = 0;
 
@@ -246,5 +248,8 @@ extern "C" {
 
 /// Makes a task that computes the listed MediaAnalysisTypes in one run. The list stays the
 /// caller's. Returns it with one reference, or null. Any thread.
+///
+/// The component adds itself as a listener and does not take itself off: when its reference on the
+/// task goes, so must the task's events. A host that holds a task itself sends none after that.
 KOR::IKorBaseTask* createMediaAnalysisTask(KOR::IKORIntList* types);
 }

@@ -25,6 +25,7 @@ protected:
     ~Locale() override {
         std::locale::global(std::locale::classic());
         std::setlocale(LC_ALL, "C");
+        unsetenv("LOCPATH");
     }
 
     /// Everything that a run with many digits says and writes.

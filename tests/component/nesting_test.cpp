@@ -154,6 +154,26 @@ TEST_F(Nesting, ReleaseBehindARememberedFinishHolds) {
     EXPECT_EQ(host().live.tasks, 0);
 }
 
+TEST_F(Nesting, RestartForgetsARememberedFinish) {
+    insertVideos(100);
+    useKinds({4});
+    host().tasksFinishInsideStart = false;
+    int starts = 0;
+    task(0).onCall("start", [&] {
+        if (++starts > 33) return;
+        task(0).finish();
+        if (starts == 33) task(0).send(KOR::taskEventCategory, KOR::taskEventFailed, nullptr);
+    });
+    listener.onEvent = [&](std::uint32_t event) {
+        if (event != KOR::taskEventFailed) return;
+        component().stop();
+        component().start();
+    };
+    component().start();
+    EXPECT_EQ(starts, 34);
+    EXPECT_EQ(probe().currentMaterialIndex(), 0);
+}
+
 TEST_F(Nesting, NextRunNestsAsTheFirstDid) {
     insertVideos(100);
     useKinds({4});

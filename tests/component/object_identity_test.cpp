@@ -192,18 +192,5 @@ TEST_F(ObjectIdentity, RemovingAnUnknownListenerSucceeds) {
     EXPECT_EQ(component().removeCallBack(&stranger), KOR::statusOk);
 }
 
-TEST_F(ObjectIdentity, DestructionNotifiesNoListenerAndStopsNoTask) {
-    RecordingListener listener;
-    component().addCallBack(&listener);
-    insert(video("long.mp4", 100 * second));
-    useKinds({4, 3});
-    component().start();
-    host().takeJournal();
-    releaseComponent();
-    EXPECT_EQ(journal(), Lines());
-    EXPECT_TRUE(listener.heard().empty());
-    EXPECT_EQ(host().live.tasks, 0);
-}
-
 }  // namespace
 }  // namespace fake_host

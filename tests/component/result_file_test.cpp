@@ -199,6 +199,7 @@ TEST_F(ResultFile, NeedsNoDirectoryToBeMadeTwice) {
     std::filesystem::create_directories(file().parent_path());
     host().faults.directoriesFail = true;
     EXPECT_TRUE(save({}));
+    EXPECT_EQ(host().directoriesMade, 0);
 }
 
 TEST_F(ResultFile, IsWrittenWithoutALogger) {

@@ -275,10 +275,17 @@ TEST_F(TaskLaunch, MissingRangeListFailsButStarts) {
     EXPECT_TRUE(task(0).running());
 }
 
-TEST_F(TaskLaunch, RangesThatCannotBeAppendedAreNotLeaked) {
+TEST_F(TaskLaunch, PositionsThatCannotBeAppendedFailButStart) {
+    beginVideo();
+    host().faults.failAppends(Product::longlongList);
+    EXPECT_EQ(launch(&KOR::ComponentProbe::startEntropyCalculate), KOR::statusFailed);
+    EXPECT_TRUE(task(0).running());
+}
+
+TEST_F(TaskLaunch, RangesThatCannotBeAppendedFailButStart) {
     beginVideo();
     host().faults.failAppends(Product::pointerList);
-    launch(&KOR::ComponentProbe::startKeyFrameDetect);
+    EXPECT_EQ(launch(&KOR::ComponentProbe::startKeyFrameDetect), KOR::statusFailed);
     EXPECT_TRUE(task(0).running());
     EXPECT_EQ(journal().at(3), "task0.setSceneRanges()");
 }

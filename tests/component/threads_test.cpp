@@ -142,21 +142,22 @@ TEST_F(Threads, ReferencesMayBeCountedFromSeveral) {
     EXPECT_EQ(component().refCount(), 1U);
 }
 
-TEST_F(Threads, LastReferenceMayGoOnAnotherThreadThanTheEnd) {
-    insertVideos(1);
-    useKinds({4, 3});
-    component().start();
-    std::promise<void> ended;
-    listener.onEvent = [&](std::uint32_t) { ended.set_value(); };
-    component().addRef();
-    std::thread worker([this] {
-        host().finishAllTasks();
-        component().release();
-    });
-    ended.get_future().wait();
-    worker.join();
-    releaseComponent();
-    EXPECT_EQ(host().live.tasks, 0);
+TEST_F(Threads, LastReferenceMayGoWhileTheLastEventReturns) {
+    for (int round = 0; round < 200; ++round) {
+        auto* const analysis = createMaterialAnalysis();
+        const Owned<FakeMedia> clip(new FakeMedia(video("clip.mp4", 100 * second)));
+        analysis->insertMaterials(materialList({clip.get()}).get(), 0);
+        analysis->setAnalysisKinds(intList({6}).get());
+        std::promise<void> ended;
+        RecordingListener waiting("waiting");
+        waiting.onEvent = [&](std::uint32_t) { ended.set_value(); };
+        analysis->addCallBack(&waiting);
+        analysis->start();
+        std::thread worker([running = host().runningTask()] { running->finish(); });
+        ended.get_future().wait();
+        EXPECT_EQ(analysis->release(), 0U);
+        worker.join();
+    }
 }
 
 TEST_F(Threads, ComponentsDoNotShareState) {

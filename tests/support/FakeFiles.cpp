@@ -32,6 +32,7 @@ Path PathUtil::join(const Path& base, const Path& tail) {
 }
 
 bool DirUtil::create(const Path& path) {
+    ++fake_host::host().directoriesMade;
     if (fake_host::host().faults.directoriesFail) return false;
     std::error_code error;
     std::filesystem::create_directories(path.string(), error);

@@ -39,6 +39,7 @@ void FakeHost::reset() {
     startDepth = 0;
     deepestStartDepth = 0;
     startCount = 0;
+    directoriesMade = 0;
     journal_.clear();
     complaints_.clear();
     logLines_.clear();

@@ -119,6 +119,7 @@ public:
     std::atomic<int> startDepth{0};         ///< starts of tasks that have not returned yet
     std::atomic<int> deepestStartDepth{0};  ///< the most that were so at any time
     std::atomic<int> startCount{0};
+    std::atomic<int> directoriesMade{0};  ///< how often a directory was asked for
 
 private:
     mutable std::mutex mutex_;

@@ -64,6 +64,10 @@ MediaSpec photo(const std::string& fileName) {
 
 FakeMedia::FakeMedia(MediaSpec answers) : Counted(host().live.media), spec(std::move(answers)) {}
 
+FakeMedia::~FakeMedia() {
+    if (host().recording) host().note(spec.fileName + " destruction");
+}
+
 void* FakeMedia::queryInterface(const char* name) {
     const std::string_view wanted = name == nullptr ? "" : name;
     if (wanted == "IDmBaseMedia") return static_cast<KOR::IDmBaseMedia*>(this);

@@ -66,7 +66,7 @@ public:
     std::function<void()> onTypeQuery;
 
 private:
-    ~FakeMedia() override = default;
+    ~FakeMedia() override;
 };
 
 /// The material as the pointer that lists of materials hold.

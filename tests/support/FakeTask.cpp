@@ -80,6 +80,8 @@ FakeTask::FakeTask(std::vector<std::int32_t> types)
     : Counted(host().live.tasks), types_(std::move(types)), number_(host().enrol(*this)) {}
 
 FakeTask::~FakeTask() {
+    note("destruction");
+    enter("destruction");
     *alive_ = false;
     host().strikeOff(number_);
 }
@@ -187,7 +189,8 @@ KOR::Status FakeTask::setPriority(std::uint32_t priority) {
 
 KOR::Status FakeTask::setSource(KOR::IDmMediaSource* source, std::int64_t reserved1,
                                 std::int64_t reserved2) {
-    source_ = static_cast<FakeMedia*>(source);
+    source_.reset(static_cast<FakeMedia*>(source));
+    if (source_ != nullptr) source_->addRef();
     if (host().recording) {
         note("setSource", {source_ == nullptr ? "null" : source_->spec.fileName,
                            std::to_string(reserved1), std::to_string(reserved2)});
@@ -219,9 +222,8 @@ KOR::Status FakeTask::setParameterBlock(std::int32_t type, const void* block) {
 
 KOR::Status FakeTask::getResultList(std::int32_t kind, std::int32_t reserved1,
                                     KOR::IKORVoidPtrList* list, std::int32_t reserved2) {
-    // How often the same results are fetched is the component's choice, so only the first time is
-    // noted.
-    if (++asked_[kind] == 1 && host().recording) {
+    ++asked_[kind];
+    if (host().recording) {
         note("getResultList", {std::to_string(kind), std::to_string(reserved1),
                                list == nullptr ? "null" : "list", std::to_string(reserved2)});
     }

@@ -24,7 +24,7 @@ public:
     // What a test does with a task.
 
     bool running() const { return running_; }
-    FakeMedia* source() const { return source_; }
+    FakeMedia* source() const { return source_.get(); }
 
     /// How often results of this kind were asked for since the last start.
     int askedFor(std::int32_t kind) const;
@@ -44,7 +44,7 @@ public:
     /// Lets an operation, called by its name, return `status` instead of doing anything.
     void answer(const std::string& operation, KOR::Status status);
 
-    /// Runs `action` inside an operation, before it does anything.
+    /// Runs `action` inside an operation, before it does anything; also inside "destruction".
     void onCall(const std::string& operation, std::function<void()> action);
 
     /// Lets the query by the name "IBsMediaAnalysisTask" fail.
@@ -107,7 +107,7 @@ private:
     const std::size_t number_;
     std::vector<KOR::IKorCallBack*> callBacks_;
     std::atomic<bool> running_{false};
-    FakeMedia* source_ = nullptr;
+    Owned<FakeMedia> source_;
     std::map<std::string, KOR::Status, std::less<>> answers_;
     std::map<std::string, std::function<void()>, std::less<>> hooks_;
     std::map<std::int32_t, int> asked_;

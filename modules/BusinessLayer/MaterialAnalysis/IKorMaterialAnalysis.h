@@ -39,15 +39,17 @@ extern const char* const scenceDetectionThreshold;
 /// analysed and gets a default record.
 extern const char* const minNeedAnalysisDuartion;
 
-/// "photoNeedAnalysis", int32, default 0: whether photos are analysed for faces. With a face kind
-/// as the very first of the kinds a photo would be selected for ever: list another kind first.
+/// "photoNeedAnalysis", int32, default 0: whether photos are analysed for faces. A photo then runs
+/// the first face kind listed, or else the first face-and-entropy kind, and every kind listed
+/// behind it. With that kind as the very first one a photo would be selected for ever: list another
+/// before.
 extern const char* const photoNeedAnalysis;
 
 }  // namespace analysisParamKey
 
 /// One candidate segment of a material: a scene of a video, or the whole of a photo or short video.
 struct MaterialAnalysisResult {
-    double score;                ///< of the best keyframe; 1.0 for a whole material
+    double score;                ///< of the best keyframe; 1.0 in a default record
     std::int64_t begin;          ///< ticks, included
     std::int64_t end;            ///< ticks, excluded
     std::int64_t posOfMaxScore;  ///< ticks: position of the best keyframe
@@ -60,19 +62,26 @@ static_assert(sizeof(MaterialAnalysisResult) == 72, "the size is part of the con
 /// Analyses materials one after another by driving the host's tasks, and keeps the auto-trim
 /// results.
 ///
-/// The component owns no thread and takes no lock: it works on the thread that calls start and on
-/// those on which its tasks report. While a run is on, only stop, reference counting and getters
-/// may be called from elsewhere; everything else belongs inside a notification or between runs.
-/// Every operation returns statusOk or statusFailed; a null pointer gives statusFailed.
+/// Every operation returns statusOk or statusFailed; a null pointer gives statusFailed, save in
+/// addCallBack. queryInterface knows "IKorMaterialAnalysis" and "IDmBaseObj" only.
 ///
 /// As a task (IKorBaseTask), its run goes over all materials: start() begins with the first one and
 /// forgets the results before; its listeners are told of progress over the whole run (event 1, in a
 /// block of the sender's), of the run's end (event 2, progress 100), and of its tasks' events 3 and
-/// 4 as they are. stop() cancels the run without a notification of its own, and no event 2 comes.
-/// pause and resume are not supported, and getState is always 0. queryInterface knows
-/// "IKorMaterialAnalysis" and "IDmBaseObj" only. A listener may do all that IKorCallBack allows.
+/// 4 as they are. pause and resume are not supported, and getState is always 0.
 ///
-/// The last release does not stop a running task: call stop before.
+/// stop() cancels the run. The task that runs is stopped and says so (event 4), and no event 2
+/// comes, with two exceptions that a host has to know: a run that is just ending may still send its
+/// event 2, and a run that is just between two tasks ends without any event. In that moment stop()
+/// can also miss the task that is being started: call it again.
+///
+/// Threads: the component owns none and takes no lock. It works on the thread that calls start and
+/// on those on which its tasks report. While a run is on, only stop, addRef, refCount, and a
+/// release that is not the last one may be called from elsewhere. Everything else, the last release
+/// included, belongs inside a notification, between runs, or after stop has returned. A listener
+/// may, inside a notification, do all that IKorCallBack allows. The last release may also come from
+/// another thread right after the last listener was told of event 2, while that notification is
+/// still returning. It does not stop a running task.
 class IKorMaterialAnalysis : public virtual IKorBaseTask {
 public:
     /// 0. Makes one host task for each AnalysisKind listed, in that order; others are ignored.

@@ -1,10 +1,10 @@
 #include "modules/BusinessLayer/MaterialAnalysis/KorMaterialAnalysis.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 #include "modules/BusinessLayer/MaterialAnalysis/NestedStart.h"
+#include "modules/BusinessLayer/MaterialAnalysis/ValuePayload.h"
 
 namespace KOR {
 
@@ -26,15 +26,6 @@ IDmBaseMedia* baseMediaOf(void* element) {
     if (element == nullptr) return nullptr;
     auto* const object = static_cast<IDmBaseObj*>(element);
     return static_cast<IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
-}
-
-/// Reads a value's payload, and no byte behind it: the caller's record may be a shorter one.
-template <typename Payload>
-Payload payloadOf(const KorValue* value) {
-    Payload payload;
-    const auto* const record = reinterpret_cast<const char*>(value);
-    std::memcpy(&payload, record + offsetof(KorValue, asInt64), sizeof payload);
-    return payload;
 }
 
 }  // namespace

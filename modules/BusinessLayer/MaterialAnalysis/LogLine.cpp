@@ -21,10 +21,12 @@ LogLine::LogLine(const LogSource& source) {
 }
 
 LogLine::~LogLine() {
-    if (stream_ == nullptr) return;
-    const std::string text = std::move(text_).str();
+    if (stream_ != nullptr) stream_->close();
+}
+
+void LogLine::write() {
+    const std::string text = text_.str();
     stream_->write(text.data(), text.size());
-    stream_->close();
 }
 
 }  // namespace KOR

@@ -17,8 +17,8 @@ struct LogSource {
     std::int32_t line;
 };
 
-/// One line of the host's log: opened by the constructor, handed over in one piece by the
-/// destructor. Where the host wants no such line, it is false and must not be written to.
+/// One line of the host's log, opened by the constructor and closed by the destructor; its text is
+/// handed over in one piece. Where the host wants no such line, it is false and stays unwritten.
 ///
 /// Numbers come out the same whatever the locale.
 class LogLine {
@@ -31,6 +31,9 @@ public:
     explicit operator bool() const { return stream_ != nullptr; }
     std::ostringstream& text() { return text_; }
 
+    /// Hands the text over. Called once.
+    void write();
+
 private:
     LogStream* stream_ = nullptr;
     std::ostringstream text_;
@@ -39,7 +42,10 @@ private:
 /// Writes one line: the parts one after another, as a stream formats them.
 template <typename... Parts>
 void logLine(const LogSource& source, const Parts&... parts) {
-    if (LogLine line(source); line) (line.text() << ... << parts);
+    LogLine line(source);
+    if (!line) return;
+    (line.text() << ... << parts);
+    line.write();
 }
 
 }  // namespace KOR

@@ -1,16 +1,21 @@
 #include "modules/BusinessLayer/MaterialAnalysis/MediaQueries.h"
 
+#include <cstring>
+
+#include "modules/BusinessLayer/MaterialAnalysis/ValuePayload.h"
+
 namespace KOR {
 
 namespace {
 
 /// Returns the length that the source gives a still material, or 0.
 std::int64_t ownLengthOf(IDmBaseMedia* photo) {
-    KorValue length{};
+    KorValue length;
+    std::memset(&length, 0, sizeof length);
     if (IDmMediaSource* const source = sourceOf(photo)) {
         source->getMediaInfo(mediaInfoKey::media_length, &length);
     }
-    return length.asInt64;
+    return payloadOf<std::int64_t>(&length);
 }
 
 }  // namespace
