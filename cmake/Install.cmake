@@ -14,8 +14,7 @@ if(MATERIAL_ANALYSIS_REFERENCE_HOST)
 endif()
 
 install(TARGETS ${installed_targets} EXPORT MaterialAnalysisTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  INCLUDES DESTINATION ${package_headers})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY host DESTINATION ${package_headers} FILES_MATCHING PATTERN "*.h")
 install(FILES modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h
   DESTINATION ${package_headers}/modules/BusinessLayer/MaterialAnalysis)

@@ -202,6 +202,19 @@ TEST_F(ResultFile, NeedsNoDirectoryToBeMadeTwice) {
     EXPECT_EQ(host().directoriesMade, 0);
 }
 
+TEST_F(ResultFile, IsTheExampleOfItsPage) {
+    constexpr std::int64_t duration = 120000000;
+    constexpr std::int64_t cut = 52000000;
+    const std::string page = contentOf(RESULT_CACHE_PAGE);
+    const std::string fence = "```json\n";
+    const std::size_t begin = page.find(fence) + fence.size();
+    const std::string example = page.substr(begin, page.find("\n```", begin) - begin);
+    probe().setAnalysisKindsOnly({4, 3});
+    EXPECT_EQ(saved({record((cut + 1) * 0.3 / duration, 0, cut, 10000000),
+                     record((duration - cut + 1) * 0.3 / duration, cut, duration, 80000000)}),
+              example);
+}
+
 TEST_F(ResultFile, IsWrittenWithoutALogger) {
     host().faults.loggerAbsent = true;
     EXPECT_TRUE(save({}));
