@@ -59,14 +59,21 @@ private:
     bool complete_ = true;
 };
 
-LastFrame decodeToTheEnd(const std::filesystem::path& file) {
-    Container container(file, {});
+/// Reads the video's next packet; false at the end. A stop is no end: it throws.
+bool readNext(Container& container, AVPacket& packet, const std::stop_token& stop) {
+    const bool more = container.read(packet);
+    if (stop.stop_requested()) throw MediaError("interrupted");
+    return more;
+}
+
+LastFrame decodeToTheEnd(const std::filesystem::path& file, const std::stop_token& stop) {
+    Container container(file, stop);
     Decoder decoder(container.video(), Decoder::Threads::several);
     FrameClock clock(container.video());
     LastFrame last;
     const auto packet = adopt(av_packet_alloc());
     for (bool more = true; more;) {
-        more = container.read(*packet);
+        more = readNext(container, *packet, stop);
         decoder.send(more ? packet.get() : nullptr);
         while (const AVFrame* frame = decoder.receive()) {
             last.add(clock.timestampOf(*frame), frame->pkt_duration);
@@ -94,13 +101,13 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
 
 }  // namespace
 
-FootageFacts inspect(const std::filesystem::path& file) {
+FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& stop) {
     const FirstError error;
-    Container container(file, {});
+    Container container(file, stop);
     FirstPictures pictures(container.video());
     Packets packets;
     const auto packet = adopt(av_packet_alloc());
-    while (container.read(*packet)) {
+    while (readNext(container, *packet, stop)) {
         packets.add(*packet);
         pictures.add(packet.get());
     }
@@ -115,7 +122,7 @@ FootageFacts inspect(const std::filesystem::path& file) {
     if (pictures.count() == 1) return facts;
 
     facts.isVideo = true;
-    const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file);
+    const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file, stop);
     facts.durationTicks = durationOf(last, FrameClock(container.video()), pictures.origin());
     return facts;
 }
