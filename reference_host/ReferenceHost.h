@@ -46,7 +46,7 @@ MaterialReport reportOf(KOR::IDmBaseObj& material);
 
 /// Sends the host's log (number 0), FFmpeg's messages included, to the end of `file`. Until this is
 /// called there is no log, and FFmpeg's messages are dropped. Throws std::runtime_error, which
-/// names the file, when it cannot be written.
+/// names the file, when it cannot be written; no directory is created for it.
 void openLog(const std::filesystem::path& file);
 
 }  // namespace reference_host
