@@ -8,6 +8,7 @@ extern "C" {
 
 #include "host/status.h"
 #include "reference_host/media/Limits.h"
+#include "reference_host/media/frameDuration.h"
 
 namespace reference_host::media {
 namespace {
@@ -36,7 +37,8 @@ FrameClock::FrameClock(const AVStream& stream)
 std::int64_t FrameClock::timestampOf(const AVFrame& frame) {
     const std::int64_t known = frame.best_effort_timestamp;
     const std::int64_t timestamp = known == AV_NOPTS_VALUE ? next_ : known;
-    const std::int64_t shown = frame.pkt_duration > 0 ? frame.pkt_duration : ordinaryDistance_;
+    const std::int64_t claimed = frameDuration(frame);
+    const std::int64_t shown = claimed > 0 ? claimed : ordinaryDistance_;
     if (__builtin_add_overflow(timestamp, shown, &next_)) next_ = timestamp;
     return timestamp;
 }

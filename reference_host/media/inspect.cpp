@@ -10,6 +10,7 @@
 #include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
+#include "reference_host/media/frameDuration.h"
 
 namespace reference_host::media {
 namespace {
@@ -76,7 +77,7 @@ LastFrame decodeToTheEnd(const std::filesystem::path& file, const std::stop_toke
         more = readNext(container, *packet, stop);
         decoder.send(more ? packet.get() : nullptr);
         while (const AVFrame* frame = decoder.receive()) {
-            last.add(clock.timestampOf(*frame), frame->pkt_duration);
+            last.add(clock.timestampOf(*frame), frameDuration(*frame));
         }
     }
     return last;
