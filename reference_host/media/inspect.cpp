@@ -91,7 +91,17 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
     return std::max<std::int64_t>(*duration, 1);
 }
 
+/// Says whether an error from the opening of a file may be why nothing was decoded later on. That a
+/// picture is too large for FFmpeg's own first look is no error.
+bool tellsTheReason(const FirstError& opening) {
+    const std::string probeLimit = "max pixel count " + std::to_string(maxProbedPixels);
+    return !opening.text().empty() && opening.text().find(probeLimit) == std::string::npos;
+}
+
 [[noreturn]] void refuseUndecodable(const FirstError& error) {
+    if (error.text().starts_with("get_buffer() failed")) {
+        throw MediaError("there is not enough memory for its pictures");
+    }
     const std::string reason = error.explain("no picture could be decoded");
     // That a picture is too large is told in words only; what would not be, is told here.
     const bool isTooLarge = error.text().starts_with("Picture size");
@@ -103,8 +113,9 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
 }  // namespace
 
 FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& stop) {
-    const FirstError error;
+    const FirstError opening;
     Container container(file, stop);
+    const FirstError decoding;
     FirstPictures pictures(container.video());
     Packets packets;
     const auto packet = adopt(av_packet_alloc());
@@ -113,7 +124,7 @@ FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& s
         pictures.add(packet.get());
     }
     pictures.add(nullptr);
-    if (pictures.count() == 0) refuseUndecodable(error);
+    if (pictures.count() == 0) refuseUndecodable(tellsTheReason(opening) ? opening : decoding);
 
     FootageFacts facts;
     facts.originTimestamp = pictures.origin();
