@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -25,8 +26,10 @@ struct ImportedMaterial {
 /// The name is taken literally, and only a regular file is opened. What is computed for the
 /// material may be kept in a directory of its own below `cacheRoot`; with an empty `cacheRoot`
 /// nothing is kept. The directory is not created here.
+///
+/// Once `stop` is requested, by any thread, reading gives up soon and the error is "interrupted".
 ImportedMaterial importMaterial(const std::filesystem::path& file,
-                                const std::filesystem::path& cacheRoot);
+                                const std::filesystem::path& cacheRoot, std::stop_token stop = {});
 
 /// What has happened to a material so far.
 struct MaterialReport {
@@ -43,7 +46,7 @@ MaterialReport reportOf(KOR::IDmBaseObj& material);
 
 /// Sends the host's log (number 0), FFmpeg's messages included, to the end of `file`. Until this is
 /// called there is no log, and FFmpeg's messages are dropped. Throws std::runtime_error, which
-/// names the file, when it cannot be written.
+/// names the file, when it cannot be written; no directory is created for it.
 void openLog(const std::filesystem::path& file);
 
 }  // namespace reference_host

@@ -1,6 +1,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "reference_host/ReferenceHost.h"
 #include "reference_host/materials/Footage.h"
@@ -11,9 +12,9 @@
 namespace reference_host {
 
 ImportedMaterial importMaterial(const std::filesystem::path& file,
-                                const std::filesystem::path& cacheRoot) {
+                                const std::filesystem::path& cacheRoot, std::stop_token stop) {
     try {
-        media::FootageFacts facts = media::inspect(file);
+        media::FootageFacts facts = media::inspect(file, stop);
         const std::string cacheDirectory =
             cacheRoot.empty() ? std::string() : (cacheRoot / cacheName(file)).string();
         auto footage = std::make_shared<Footage>(file, std::move(facts), cacheDirectory);
@@ -21,7 +22,8 @@ ImportedMaterial importMaterial(const std::filesystem::path& file,
     } catch (const std::bad_alloc&) {
         return {.object = nullptr, .error = "there is not enough memory for it"};
     } catch (const std::exception& failure) {
-        return {.object = nullptr, .error = failure.what()};
+        // What fails because it was stopped says nothing about the file.
+        return {.object = nullptr, .error = stop.stop_requested() ? "interrupted" : failure.what()};
     }
 }
 

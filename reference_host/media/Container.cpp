@@ -106,7 +106,7 @@ void Container::inspectStreams() {
     std::vector<Options> options(context_->nb_streams);
     std::vector<AVDictionary*> entries;
     for (Options& option : options) {
-        option.set("max_pixels", std::to_string(maxPicturePixels));
+        option.set("max_pixels", std::to_string(maxProbedPixels));
         entries.push_back(std::exchange(*option.get(), nullptr));
     }
     const int found = avformat_find_stream_info(context_.get(), entries.data());

@@ -1,7 +1,12 @@
 #include "reference_host/media/Decoder.h"
 
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
 #include <algorithm>
 #include <cerrno>
+#include <cinttypes>
 #include <string>
 #include <thread>
 
@@ -25,6 +30,33 @@ int threadCount(const AVCodecParameters& codec, Decoder::Threads threads) {
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, maxThreads));
 }
 
+/// Gives a frame its memory unless it would be more than maxPictureBytes.
+int allocate(AVCodecContext* context, AVFrame* frame, int flags) {
+    const int bytes = av_image_get_buffer_size(static_cast<AVPixelFormat>(frame->format),
+                                               frame->width, frame->height, 1);
+    if (bytes < 0) return bytes;
+    if (bytes > maxPictureBytes) {
+        av_log(context, AV_LOG_ERROR,
+               "Picture of %dx%d takes %d bytes: the limit is %" PRId64 " bytes\n", frame->width,
+               frame->height, bytes, maxPictureBytes);
+        return AVERROR(EINVAL);
+    }
+    return avcodec_default_get_buffer2(context, frame, flags);
+}
+
+/// Has allocate() called by the decoder's threads themselves: otherwise older versions of FFmpeg
+/// make them take turns. Newer ones expect it of every such function.
+void limitPictures(AVCodecContext& context) {
+    context.max_pixels = maxPicturePixels;
+    context.get_buffer2 = allocate;
+#if LIBAVCODEC_VERSION_MAJOR < 60
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    context.thread_safe_callbacks = 1;
+#pragma GCC diagnostic pop
+#endif
+}
+
 }  // namespace
 
 Decoder::Decoder(const AVStream& stream, Threads threads) : frame_(adopt(av_frame_alloc())) {
@@ -37,7 +69,7 @@ Decoder::Decoder(const AVStream& stream, Threads threads) : frame_(adopt(av_fram
     context_ = adopt(avcodec_alloc_context3(codec));
     if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
     context_->pkt_timebase = stream.time_base;
-    context_->max_pixels = maxPicturePixels;
+    limitPictures(*context_);
     context_->thread_count = threadCount(parameters, threads);
     const FirstError error;
     if (avcodec_open2(context_.get(), codec, nullptr) < 0) {

@@ -40,12 +40,21 @@ public:
     /// Returns the end of the last frame: after its own duration, otherwise after the distance to
     /// the frame before it, otherwise after `ordinaryDistance`. None when there is no frame or no
     /// such number.
+    ///
+    /// Its own duration is not believed where the frames before it claim, taken together, about
+    /// half of the time that they were really shown: then the container counts fields.
     std::optional<std::int64_t> end(std::int64_t ordinaryDistance) const;
 
 private:
+    bool countsFields() const;
+
     std::optional<std::int64_t> last_;
     std::optional<std::int64_t> before_;
     std::int64_t duration_ = 0;
+    /// The first frame's timestamp, and all durations together. No more than their proportion is
+    /// asked for, which may be rounded but must not overflow.
+    double first_ = 0;
+    double claimed_ = 0;
 };
 
 }  // namespace reference_host::media

@@ -11,6 +11,15 @@ namespace reference_host::media {
 /// a little below or above, that depends on the shape.
 constexpr std::int64_t maxPicturePixels = std::int64_t{1} << 28;
 
+/// What one decoded picture may take. A photo of 100 million pixels takes 400 MB with eight bits
+/// and transparency, a picture of 8K video with ten bits takes 100 MB; a file of a few megabytes
+/// can claim gigabytes.
+constexpr std::int64_t maxPictureBytes = std::int64_t{512} << 20;
+
+/// Up to here (8K and a little more), FFmpeg may decode pictures by itself to find out about a
+/// stream: it counts pixels only, of which one takes 16 bytes at most.
+constexpr std::int64_t maxProbedPixels = maxPictureBytes / 16;
+
 /// About a hundred years. Timestamps are free to claim anything; below this, a hundred thousand
 /// durations can still be multiplied and added up without care.
 constexpr std::int64_t maxDurationTicks = std::int64_t{100} * 366 * 24 * 3600 * KOR::ticksPerSecond;

@@ -10,6 +10,7 @@
 #include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
+#include "reference_host/media/frameDuration.h"
 
 namespace reference_host::media {
 namespace {
@@ -59,17 +60,24 @@ private:
     bool complete_ = true;
 };
 
-LastFrame decodeToTheEnd(const std::filesystem::path& file) {
-    Container container(file, {});
+/// Reads the video's next packet; false at the end. A stop is no end: it throws.
+bool readNext(Container& container, AVPacket& packet, const std::stop_token& stop) {
+    const bool more = container.read(packet);
+    if (stop.stop_requested()) throw MediaError("interrupted");
+    return more;
+}
+
+LastFrame decodeToTheEnd(const std::filesystem::path& file, const std::stop_token& stop) {
+    Container container(file, stop);
     Decoder decoder(container.video(), Decoder::Threads::several);
     FrameClock clock(container.video());
     LastFrame last;
     const auto packet = adopt(av_packet_alloc());
     for (bool more = true; more;) {
-        more = container.read(*packet);
+        more = readNext(container, *packet, stop);
         decoder.send(more ? packet.get() : nullptr);
         while (const AVFrame* frame = decoder.receive()) {
-            last.add(clock.timestampOf(*frame), frame->pkt_duration);
+            last.add(clock.timestampOf(*frame), frameDuration(*frame));
         }
     }
     return last;
@@ -83,7 +91,17 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
     return std::max<std::int64_t>(*duration, 1);
 }
 
+/// Says whether an error from the opening of a file may be why nothing was decoded later on. That a
+/// picture is too large for FFmpeg's own first look is no error.
+bool tellsTheReason(const FirstError& opening) {
+    const std::string probeLimit = "max pixel count " + std::to_string(maxProbedPixels);
+    return !opening.text().empty() && opening.text().find(probeLimit) == std::string::npos;
+}
+
 [[noreturn]] void refuseUndecodable(const FirstError& error) {
+    if (error.text().starts_with("get_buffer() failed")) {
+        throw MediaError("there is not enough memory for its pictures");
+    }
     const std::string reason = error.explain("no picture could be decoded");
     // That a picture is too large is told in words only; what would not be, is told here.
     const bool isTooLarge = error.text().starts_with("Picture size");
@@ -94,18 +112,19 @@ std::int64_t durationOf(const LastFrame& last, const FrameClock& clock, std::int
 
 }  // namespace
 
-FootageFacts inspect(const std::filesystem::path& file) {
-    const FirstError error;
-    Container container(file, {});
+FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& stop) {
+    const FirstError opening;
+    Container container(file, stop);
+    const FirstError decoding;
     FirstPictures pictures(container.video());
     Packets packets;
     const auto packet = adopt(av_packet_alloc());
-    while (container.read(*packet)) {
+    while (readNext(container, *packet, stop)) {
         packets.add(*packet);
         pictures.add(packet.get());
     }
     pictures.add(nullptr);
-    if (pictures.count() == 0) refuseUndecodable(error);
+    if (pictures.count() == 0) refuseUndecodable(tellsTheReason(opening) ? opening : decoding);
 
     FootageFacts facts;
     facts.originTimestamp = pictures.origin();
@@ -115,7 +134,7 @@ FootageFacts inspect(const std::filesystem::path& file) {
     if (pictures.count() == 1) return facts;
 
     facts.isVideo = true;
-    const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file);
+    const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file, stop);
     facts.durationTicks = durationOf(last, FrameClock(container.video()), pictures.origin());
     return facts;
 }

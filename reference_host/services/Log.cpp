@@ -4,6 +4,7 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -138,6 +139,13 @@ void writeLog(IBsLogger::Severity severity, const LogOrigin& origin, std::string
 }
 
 void openLog(const std::filesystem::path& file) {
+    // spdlog would make the directory, and a mistyped name would go unnoticed.
+    const std::filesystem::path directory = file.parent_path();
+    std::error_code ignored;
+    if (!directory.empty() && !std::filesystem::is_directory(directory, ignored)) {
+        throw std::runtime_error("the log " + file.string() +
+                                 " cannot be written: its directory does not exist");
+    }
     try {
         HostLog::instance().open(file);
     } catch (const spdlog::spdlog_ex& failure) {

@@ -67,9 +67,9 @@ KOR::Status appendCopies(const std::vector<Element>& elements, KOR::IKORVoidPtrL
 /// What the thread of a run does.
 void run(TaskChannel& channel, const AnalysisRequest& request, const std::stop_token& stop) {
     ProgressMeter progress([&](std::int32_t percent) { channel.progress(stop, percent); });
-    AnalysisResults results;
+    std::shared_ptr<const AnalysisResults> results;
     try {
-        results = analyse(request, stop, progress);
+        results = std::make_shared<const AnalysisResults>(analyse(request, stop, progress));
     } catch (const std::exception& failure) {
         // What fails because it was stopped says nothing about the footage.
         if (stop.stop_requested()) return;
@@ -209,10 +209,11 @@ KOR::Status AnalysisTask::setParameterBlock(std::int32_t type, const void* block
 KOR::Status AnalysisTask::getResultList(std::int32_t kind, std::int32_t, KOR::IKORVoidPtrList* list,
                                         std::int32_t) {
     if (list == nullptr) return KOR::statusFailed;
-    const AnalysisResults results = channel_->results();
-    if (kind == KOR::analysisTypeScene) return appendCopies(results.scenes, *list);
+    const std::shared_ptr<const AnalysisResults> results = channel_->results();
+    if (!results) return KOR::statusOk;
+    if (kind == KOR::analysisTypeScene) return appendCopies(results->scenes, *list);
     if (kind == KOR::analysisTypeKeyFrame) {
-        return appendCopies(results.keyFramePositionsTicks, *list);
+        return appendCopies(results->keyFramePositionsTicks, *list);
     }
     return KOR::statusOk;
 }

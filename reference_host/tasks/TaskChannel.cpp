@@ -45,7 +45,7 @@ void TaskChannel::removeListener(KOR::IKorCallBack* listener) {
 std::optional<std::stop_source> TaskChannel::begin() {
     const Lock lock(mutex_);
     if (run_) return std::nullopt;
-    results_ = {};
+    results_.reset();
     return run_.emplace();
 }
 
@@ -81,10 +81,10 @@ bool TaskChannel::isRunning() const {
 
 void TaskChannel::forgetResults() {
     const Lock lock(mutex_);
-    results_ = {};
+    results_.reset();
 }
 
-AnalysisResults TaskChannel::results() const {
+std::shared_ptr<const AnalysisResults> TaskChannel::results() const {
     const Lock lock(mutex_);
     return results_;
 }
@@ -97,7 +97,8 @@ void TaskChannel::fail(const std::stop_token& run, const std::string& reason) {
     send(run, KOR::taskEventFailed, payloadOf(reason));
 }
 
-void TaskChannel::finish(const std::stop_token& run, AnalysisResults results) {
+void TaskChannel::finish(const std::stop_token& run,
+                         std::shared_ptr<const AnalysisResults> results) {
     Lock lock(mutex_);
     waitForTurn(lock);
     if (run.stop_requested()) return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <stop_token>
@@ -51,14 +52,16 @@ public:
 
     bool isRunning() const;
     void forgetResults();
-    AnalysisResults results() const;
+
+    /// Returns what the last run has published; null where there is nothing.
+    std::shared_ptr<const AnalysisResults> results() const;
 
     /// The following come from the run's own thread. They do nothing once the run has been ended.
     void progress(const std::stop_token& run, std::int32_t percent);
     void fail(const std::stop_token& run, const std::string& reason);
 
     /// Publishes the results and sends taskEventFinished: the run is over.
-    void finish(const std::stop_token& run, AnalysisResults results);
+    void finish(const std::stop_token& run, std::shared_ptr<const AnalysisResults> results);
 
 private:
     using Lock = std::unique_lock<std::mutex>;
@@ -80,7 +83,7 @@ private:
     std::optional<std::stop_source> run_;
     /// Runs that were stopped during the current delivery and have not been told of yet.
     int stopsOwed_ = 0;
-    AnalysisResults results_;
+    std::shared_ptr<const AnalysisResults> results_;
 };
 
 }  // namespace reference_host

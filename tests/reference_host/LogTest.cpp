@@ -76,6 +76,17 @@ TEST(Log, NamesAFileThatCannotBeWritten) {
     }
 }
 
+TEST(Log, MakesNoDirectory) {
+    const TemporaryDirectory directory;
+    try {
+        reference_host::openLog(directory / "missing/log");
+        FAIL() << "a log in a directory that is not there";
+    } catch (const std::runtime_error& failure) {
+        EXPECT_NE(std::string(failure.what()).find("missing/log"), std::string::npos);
+    }
+    EXPECT_FALSE(std::filesystem::exists(directory / "missing"));
+}
+
 TEST(Log, LinesOfSeveralThreadsStayWhole) {
     const TemporaryDirectory directory;
     reference_host::openLog(directory / "log");

@@ -1,5 +1,7 @@
-#include <cstring>
+#include <atomic>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -96,6 +98,50 @@ TEST(Material, ReportOfAnUntouchedOneIsEmpty) {
     EXPECT_FALSE(report.analysed);
     EXPECT_EQ(report.failure, "");
     EXPECT_TRUE(report.warnings.empty());
+}
+
+// Stopping an import.
+
+TEST(Material, StoppedImportSaysThatItWasInterrupted) {
+    const FootageFiles files;
+    std::stop_source stop;
+    stop.request_stop();
+    for (const char* name : {"a.mp4", "a.h264", "a.png"}) {
+        const auto imported =
+            reference_host::importMaterial(files.makeVideo(name, 1, ""), {}, stop.get_token());
+        EXPECT_EQ(imported.object, nullptr) << name;
+        EXPECT_EQ(imported.error, "interrupted") << name;
+    }
+}
+
+/// Imports `file` again and again on a thread that is soon asked to stop, until that is heard.
+/// Expects the whole duration until then: what a stop cut short would be shorter.
+void importUntilInterrupted(const std::filesystem::path& file, std::int64_t durationTicks) {
+    std::atomic<bool> underWay{false};
+    std::jthread importer([&](const std::stop_token& stop) {
+        underWay = true;
+        underWay.notify_one();
+        for (;;) {
+            const auto imported = reference_host::importMaterial(file, {}, stop);
+            if (imported.object == nullptr) {
+                EXPECT_EQ(imported.error, "interrupted");
+                return;
+            }
+            EXPECT_EQ(mediaOf(hold(imported.object)).getDuration(), durationTicks);
+        }
+    });
+    underWay.wait(false);
+    importer.request_stop();
+}
+
+TEST(Material, InterruptedImportGivesNoHalfMaterial) {
+    const FootageFiles files;
+    const auto indexed = files.makeVideo("a.mkv", 250);
+    const auto raw = files.makeVideo("a.h264", 250);
+    for (int round = 0; round < 20; ++round) {
+        importUntilInterrupted(indexed, 10 * KOR::ticksPerSecond);
+        importUntilInterrupted(raw, 10 * KOR::ticksPerSecond);
+    }
 }
 
 // What is a video and what a photo.

@@ -137,6 +137,16 @@ TEST(Positions, EndWithTheDelayOfTheLastGifPicture) {
     EXPECT_EQ(durationOf(file), 800000 + 7000000);
 }
 
+TEST(Positions, EndAfterAWholeFrameWhereFieldsAreCounted) {
+    const FootageFiles files;
+    for (const int frames : {2, 12}) {
+        SCOPED_TRACE(frames);
+        const auto video = files.makeVideo("a.mp4", frames, "-c:v libx264 -bf 0");
+        // Copied without being decoded, the stream keeps its count of fields: 50 a second.
+        expectEven(files.make("a.avi", "-i '" + video.string() + "' -c copy"), frames);
+    }
+}
+
 TEST(Positions, DoNotFollowTheClaimOfTheContainer) {
     const FootageFiles files;
     // Sound of three seconds makes the container that long.

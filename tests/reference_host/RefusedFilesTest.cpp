@@ -96,6 +96,15 @@ TEST(RefusedFiles, PicturesBeyondTheLimitNameIt) {
     expectRefused(mov, "the limit is 268435456 pixels");
 }
 
+TEST(RefusedFiles, PicturesThatTakeTooManyBytes) {
+    const FootageFiles files;
+    // 67.5 million pixels are few enough; of 8 bytes each, they are too many.
+    const std::string picture = "-f lavfi -i color=size=9000x7500 -frames:v 1 -pix_fmt ";
+    expectRefused(files.make("deep.png", picture + "rgba64be -compression_level 1"),
+                  "the limit is 536870912 bytes");
+    EXPECT_EQ(refusalOf(files.make("plain.png", picture + "rgb24 -compression_level 1")), "");
+}
+
 // Nothing but the named file is opened, and its name has no meaning.
 
 TEST(RefusedFiles, PlaylistsLeadNowhere) {

@@ -15,6 +15,7 @@
 namespace reference_host_tests {
 namespace {
 
+using reference_host::AnalysisResults;
 using reference_host::TaskChannel;
 
 /// A channel whose runs the test itself is: what a run says is said on the test's thread.
@@ -167,13 +168,14 @@ TEST_F(TaskChannelTest, NewRunWaitsForTheEndOfTheOldOne) {
 TEST_F(TaskChannelTest, ResultsAreCompleteInsideTheEnd) {
     std::size_t scenes = 0;
     listener.inside = [&](const TaskRecorder::Event&) {
-        scenes = channel->results().scenes.size();
+        scenes = channel->results()->scenes.size();
     };
-    channel->finish(begin(), {.scenes = {{0, 5}, {5, 9}}, .keyFramePositionsTicks = {}});
+    channel->finish(begin(), std::make_shared<AnalysisResults>(AnalysisResults{
+                                 .scenes = {{0, 5}, {5, 9}}, .keyFramePositionsTicks = {}}));
     EXPECT_EQ(scenes, 2U);
-    EXPECT_EQ(channel->results().scenes.size(), 2U);
+    EXPECT_EQ(channel->results()->scenes.size(), 2U);
     begin();
-    EXPECT_TRUE(channel->results().scenes.empty()) << "the next run forgets them";
+    EXPECT_EQ(channel->results(), nullptr) << "the next run forgets them";
 }
 
 TEST_F(TaskChannelTest, ClosedChannelIsSilent) {
