@@ -236,6 +236,17 @@ TEST(Program, NeverOverwritesAFileToBeAnalysed) {
     }
 }
 
+TEST(Program, NeverOverwritesAFileBehindAnOptionWithoutValue) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "clip.mp4";
+    std::filesystem::copy_file(path(AUTOTRIM_CLIPS) / "short.mp4", file);
+    const std::string before = contentOf(file);
+    for (const char* option : {"--json=", "--log=", "--cache="}) {
+        EXPECT_EQ(run({option, file.string(), "photo.png"}).exitCode, exitWrongUse);
+        EXPECT_EQ(contentOf(file), before);
+    }
+}
+
 TEST(Program, KeepsALogWithTheRunInIt) {
     const TemporaryDirectory directory;
     const path log = directory.path() / "run.log";
