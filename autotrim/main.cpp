@@ -101,6 +101,7 @@ int start(const std::vector<std::string>& arguments) {
 }  // namespace autotrim
 
 int main(int argc, char* argv[]) {
+    autotrim::reserveStandardStreams();
     try {
         return autotrim::start({argv + 1, argv + argc});
     } catch (const std::exception& error) {

@@ -224,6 +224,14 @@ TEST(Program, ExitsWithOneWhenOutputIsFull) {
               "autotrim: cannot write to the standard output: No space left on device\n");
 }
 
+TEST(Program, KeepsDiagnosticsOutOfJsonWithoutStandardError) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "report.json";
+    Process process({"--json", file.string(), "missing.mp4"}, ErrorsTo::nowhere);
+    EXPECT_EQ(process.wait().exitCode, exitSomeFailed);
+    EXPECT_EQ(contentOf(file), run({"--json", "-", "missing.mp4"}).output);
+}
+
 TEST(Program, NeverOverwritesAFileToBeAnalysed) {
     const TemporaryDirectory directory;
     const path file = directory.path() / "clip.mp4";
