@@ -114,6 +114,16 @@ TEST(Program, CachesBelowTheUsersCacheDirectory) {
     EXPECT_TRUE(onlyCachedResult(process.home() / ".cache" / "autotrim").is_object());
 }
 
+TEST(Program, WarnsOnceOfACacheThatCannotBeWritten) {
+    const TemporaryDirectory directory;
+    const path noDirectory = directory.path() / "file";
+    std::ofstream(noDirectory) << "in the way";
+    const Ended ended = run({"--cache", noDirectory.string(), "two.mp4", "two.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.errors, "autotrim: " + noDirectory.string() +
+                                ": warning: results could not be kept in this directory\n");
+}
+
 TEST(Program, GivesTheSameFileTwoEntries) {
     const TemporaryDirectory cache;
     const Json materials =
