@@ -29,7 +29,7 @@ void InterruptWatch::watch() {
         int signal = 0;
         sigwait(&signals_, &signal);
         if (done_) return;
-        if (!first) _exit(exitInterrupted);
+        if (!first || !working_) _exit(exitInterrupted);
         onInterrupt_();
     }
 }

@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <unistd.h>
+
 #include "host/lists.h"
 #include "reference_host/ReferenceHost.h"
 
@@ -48,6 +50,16 @@ RecordsOfMedia takeRecords(KOR::IKorMaterialAnalysis& component) {
         result->media->release();
     }
     return records;
+}
+
+/// Whether the material has a cache and its records are not there. A file that is there and cannot
+/// be written holds those of an earlier run.
+bool lacksKeptRecords(KOR::IDmBaseObj& material) {
+    auto* const media =
+        static_cast<KOR::IDmSourceMedia*>(material.queryInterface("IDmSourceMedia"));
+    const std::filesystem::path cache(
+        media->getSource()->getMediaInfoText(KOR::mediaInfoKey::media_cache));
+    return !cache.empty() && access((cache / "analysis" / "result.json").c_str(), W_OK) != 0;
 }
 
 }  // namespace
@@ -130,6 +142,14 @@ std::vector<Materials::Warning> Materials::warnings() const {
         }
     }
     return warnings;
+}
+
+bool Materials::allKept(const std::vector<FileReport>& reports) const {
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        const bool analysed = reports[i].outcome == Outcome::analysed;
+        if (analysed && lacksKeptRecords(*entries_[i].object)) return false;
+    }
+    return true;
 }
 
 }  // namespace autotrim

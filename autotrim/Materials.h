@@ -43,6 +43,10 @@ public:
     };
     std::vector<Warning> warnings() const;
 
+    /// Whether the records of every material that `reports`, as returned by reports(), calls
+    /// analysed are kept in its cache, or it has none.
+    bool allKept(const std::vector<FileReport>& reports) const;
+
 private:
     struct Entry {
         FileReport report;  ///< as it stands before the run

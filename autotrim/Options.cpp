@@ -87,6 +87,23 @@ std::string unguarded(const std::string& argument) {
     return argument.rfind(guard, 0) == 0 ? argument.substr(1) : argument;
 }
 
+/// Returns the option of which `argument` says that it has a value and gives none ("--json="), for
+/// which CLI11 would take the argument behind it; empty when it is something else.
+std::string optionWithoutValue(const std::string& argument) {
+    const bool isOption = argument.rfind("--", 0) == 0;
+    if (!isOption || argument.find('=') != argument.size() - 1) return {};
+    return argument.substr(0, argument.size() - 1);
+}
+
+/// Throws when an argument before "--" lacks its value.
+void requireValues(const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
+        if (argument == "--") return;
+        const std::string option = optionWithoutValue(argument);
+        if (!option.empty()) throw CLI::ValidationError(option, "no value follows the \"=\"");
+    }
+}
+
 /// Adds an option whose text `parse` turns into a value; what it throws is wrong use.
 template <typename Target, typename Parse>
 CLI::Option* addOption(CLI::App& app, const std::string& name, Target& target, Parse parse,
@@ -163,6 +180,7 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     files->description("Videos and photos")->type_name("")->expected(1, -1)->allow_extra_args();
 
     try {
+        requireValues(arguments);
         // CLI11 takes the arguments from the back.
         std::vector<std::string> stack(arguments.size());
         std::transform(arguments.rbegin(), arguments.rend(), stack.begin(), guarded);

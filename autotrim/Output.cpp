@@ -11,6 +11,13 @@
 
 namespace autotrim {
 
+void reserveStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The lowest free descriptor is the one that is opened.
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", O_RDONLY);
+    }
+}
+
 void writeToStandardOutput(std::string_view text) {
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (std::fflush(stdout) != 0 || !written) {

@@ -5,6 +5,11 @@
 
 namespace autotrim {
 
+/// Puts something in the place of the standard streams that the process was started without, so
+/// that no file opened later takes their descriptors and gets what is meant for them. Writing there
+/// still fails. To be called before any file is opened.
+void reserveStandardStreams();
+
 /// Writes `text` to the standard output. Throws std::runtime_error when not all of it arrives.
 void writeToStandardOutput(std::string_view text);
 

@@ -103,6 +103,9 @@ Report analyse(const Options& options, RunMonitor& monitor, ProgressDisplay& dis
 
     Report report{options.kinds, materials.reports(*component, end, options.minLengthSeconds)};
     tellTroubles(report, materials, end);
+    if (!materials.allKept(report.files)) {
+        say(options.cacheRoot.string(), "warning: results could not be kept in this directory");
+    }
     return report;
 }
 

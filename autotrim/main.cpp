@@ -63,7 +63,7 @@ int exitCodeOf(const Report& report) {
 
 int run(const Options& options) {
     RunMonitor monitor;
-    const InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
+    InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
 
     const bool jsonOnly = options.json == jsonToStdout;
     std::optional<ResultFile> jsonFile;
@@ -71,7 +71,9 @@ int run(const Options& options) {
     if (options.log) reference_host::openLog(*options.log);
 
     const auto display = makeProgressDisplay(options.progress);
+    interruptWatch.beginWork();
     const Report report = analyse(options, monitor, *display);
+    interruptWatch.endWork();
     if (jsonFile) jsonFile->write(toJson(report));
     if (jsonOnly) {
         writeToStandardOutput(toJson(report));
@@ -101,6 +103,7 @@ int start(const std::vector<std::string>& arguments) {
 }  // namespace autotrim
 
 int main(int argc, char* argv[]) {
+    autotrim::reserveStandardStreams();
     try {
         return autotrim::start({argv + 1, argv + argc});
     } catch (const std::exception& error) {

@@ -12,7 +12,8 @@ namespace {
 
 void expectCallAfter(int signal) {
     std::promise<void> called;
-    const InterruptWatch watch([&called] { called.set_value(); });
+    InterruptWatch watch([&called] { called.set_value(); });
+    watch.beginWork();
     kill(getpid(), signal);
     called.get_future().wait();
 }
@@ -25,7 +26,8 @@ TEST(InterruptWatch, CallsAfterEitherSignal) {
 TEST(InterruptWatch, EndsWithoutASignal) {
     bool called = false;
     {
-        const InterruptWatch watch([&called] { called = true; });
+        InterruptWatch watch([&called] { called = true; });
+        watch.beginWork();
     }
     EXPECT_FALSE(called);
 }
@@ -44,11 +46,27 @@ TEST(InterruptWatchDeathTest, ASecondSignalEndsTheProcess) {
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
     EXPECT_EXIT(
         {
-            const InterruptWatch watch([] { kill(getpid(), SIGINT); });
+            InterruptWatch watch([] { kill(getpid(), SIGINT); });
+            watch.beginWork();
             kill(getpid(), SIGINT);
             pause();
         },
         testing::ExitedWithCode(exitInterrupted), "");
+}
+
+TEST(InterruptWatchDeathTest, ASignalOutsideTheWorkEndsTheProcess) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    const auto waitForSignal = [](bool worked) {
+        InterruptWatch watch([] {});
+        if (worked) {
+            watch.beginWork();
+            watch.endWork();
+        }
+        kill(getpid(), SIGTERM);
+        pause();
+    };
+    EXPECT_EXIT(waitForSignal(false), testing::ExitedWithCode(exitInterrupted), "");
+    EXPECT_EXIT(waitForSignal(true), testing::ExitedWithCode(exitInterrupted), "");
 }
 
 }  // namespace

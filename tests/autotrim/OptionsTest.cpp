@@ -145,6 +145,15 @@ TEST(Options, RefuseEmptyNames) {
     EXPECT_EQ(refusal({"--log", "", "a"}), "--log: the name is empty");
 }
 
+TEST(Options, RefuseAnEqualsSignWithoutAValue) {
+    for (const std::string option : {"--kinds", "--min-scene", "--min-length", "--threshold",
+                                     "--cache", "--json", "--progress", "--log"}) {
+        EXPECT_EQ(refusal({option + "=", "a", "b"}), option + ": no value follows the \"=\"");
+    }
+    EXPECT_EQ(accepted({"--json=a=", "b"}).json, "a=");
+    EXPECT_EQ(accepted({"--", "--json=", "b"}).files, (std::vector<std::string>{"--json=", "b"}));
+}
+
 TEST(Options, MakeWrongTextHarmless) {
     EXPECT_EQ(refusal({"--min-scene", "\x1B[2J", "a"}),
               "--min-scene: \"\\x1B[2J\" is not a whole number of seconds");

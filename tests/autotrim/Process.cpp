@@ -74,7 +74,7 @@ std::vector<std::string> Ended::errorLines() const {
 Process::Process(const std::vector<std::string>& arguments, ErrorsTo errorsTo,
                  const std::filesystem::path& outputFile)
     : keptOutput_(directory_.path() / "output") {
-    const auto [reading, writing] = errorsTo == ErrorsTo::pipe ? openPipe() : openTerminal();
+    const auto [reading, writing] = errorsTo == ErrorsTo::terminal ? openTerminal() : openPipe();
     errorsEnd_ = reading;
 
     posix_spawn_file_actions_t actions;
@@ -84,6 +84,9 @@ Process::Process(const std::vector<std::string>& arguments, ErrorsTo errorsTo,
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT,
                                      0666);
     posix_spawn_file_actions_adddup2(&actions, writing, STDERR_FILENO);
+    if (errorsTo == ErrorsTo::nowhere) {
+        posix_spawn_file_actions_addclose(&actions, STDERR_FILENO);
+    }
     posix_spawn_file_actions_addchdir_np(&actions, AUTOTRIM_CLIPS);
 
     std::vector<std::string> texts = {AUTOTRIM_PROGRAM};

@@ -21,7 +21,7 @@ struct Ended {
 };
 
 /// Where a program's standard error goes.
-enum class ErrorsTo { pipe, terminal };
+enum class ErrorsTo { pipe, terminal, nowhere };
 
 /// autotrim as its user runs it, in a process of its own. Its working directory is the directory of
 /// the made clips.

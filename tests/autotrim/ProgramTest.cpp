@@ -114,6 +114,16 @@ TEST(Program, CachesBelowTheUsersCacheDirectory) {
     EXPECT_TRUE(onlyCachedResult(process.home() / ".cache" / "autotrim").is_object());
 }
 
+TEST(Program, WarnsOnceOfACacheThatCannotBeWritten) {
+    const TemporaryDirectory directory;
+    const path noDirectory = directory.path() / "file";
+    std::ofstream(noDirectory) << "in the way";
+    const Ended ended = run({"--cache", noDirectory.string(), "two.mp4", "two.mp4"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.errors, "autotrim: " + noDirectory.string() +
+                                ": warning: results could not be kept in this directory\n");
+}
+
 TEST(Program, GivesTheSameFileTwoEntries) {
     const TemporaryDirectory cache;
     const Json materials =
@@ -224,6 +234,14 @@ TEST(Program, ExitsWithOneWhenOutputIsFull) {
               "autotrim: cannot write to the standard output: No space left on device\n");
 }
 
+TEST(Program, KeepsDiagnosticsOutOfJsonWithoutStandardError) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "report.json";
+    Process process({"--json", file.string(), "missing.mp4"}, ErrorsTo::nowhere);
+    EXPECT_EQ(process.wait().exitCode, exitSomeFailed);
+    EXPECT_EQ(contentOf(file), run({"--json", "-", "missing.mp4"}).output);
+}
+
 TEST(Program, NeverOverwritesAFileToBeAnalysed) {
     const TemporaryDirectory directory;
     const path file = directory.path() / "clip.mp4";
@@ -232,6 +250,17 @@ TEST(Program, NeverOverwritesAFileToBeAnalysed) {
     for (const char* option : {"--json", "--log"}) {
         const std::string sameFile = (directory.path() / "." / "clip.mp4").string();
         EXPECT_EQ(run({option, sameFile, file.string()}).exitCode, exitWrongUse);
+        EXPECT_EQ(contentOf(file), before);
+    }
+}
+
+TEST(Program, NeverOverwritesAFileBehindAnOptionWithoutValue) {
+    const TemporaryDirectory directory;
+    const path file = directory.path() / "clip.mp4";
+    std::filesystem::copy_file(path(AUTOTRIM_CLIPS) / "short.mp4", file);
+    const std::string before = contentOf(file);
+    for (const char* option : {"--json=", "--log=", "--cache="}) {
+        EXPECT_EQ(run({option, file.string(), "photo.png"}).exitCode, exitWrongUse);
         EXPECT_EQ(contentOf(file), before);
     }
 }
