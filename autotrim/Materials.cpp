@@ -64,8 +64,9 @@ bool lacksKeptRecords(KOR::IDmBaseObj& material) {
 
 }  // namespace
 
-std::string Materials::open(const std::string& file, const std::filesystem::path& cacheRoot) {
-    const auto imported = reference_host::importMaterial(file, cacheRoot);
+std::string Materials::open(const std::string& file, const std::filesystem::path& cacheRoot,
+                            std::stop_token stop) {
+    const auto imported = reference_host::importMaterial(file, cacheRoot, std::move(stop));
     Entry entry;
     entry.report.file = file;
     entry.report.error = imported.error;

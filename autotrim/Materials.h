@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,10 @@ namespace autotrim {
 /// file that is given twice makes two materials.
 class Materials {
 public:
-    /// Opens the next file. Returns why it is no material; empty when it is one.
-    std::string open(const std::string& file, const std::filesystem::path& cacheRoot);
+    /// Opens the next file. Returns why it is no material; empty when it is one. `stop` breaks it
+    /// off: the file is then no material.
+    std::string open(const std::string& file, const std::filesystem::path& cacheRoot,
+                     std::stop_token stop);
 
     /// Takes in that the next file was not opened, and why.
     void skip(const std::string& file, const std::string& reason);

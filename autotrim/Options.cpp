@@ -21,7 +21,7 @@ constexpr const char* description =
     "records.";
 
 constexpr const char* exitCodes =
-    "Exit codes: 0 all done, 1 some file failed and the others are done, 2 wrong use,\n"
+    "Exit codes: 0 all done, 1 some file failed or a result could not be written, 2 wrong use,\n"
     "130 interrupted.";
 
 /// Reads the whole of `text` as a number, whatever the locale; the messages name no option.
@@ -123,8 +123,9 @@ CLI::Option* addOption(CLI::App& app, const std::string& name, Target& target, P
 std::filesystem::path defaultCacheRoot(const Environment& environment) {
     const std::filesystem::path cacheHome(environment.cacheHome);
     if (cacheHome.is_absolute()) return cacheHome / "autotrim";
-    if (environment.home.empty()) return {};
-    return std::filesystem::path(environment.home) / ".cache" / "autotrim";
+    const std::filesystem::path home(environment.home);
+    if (!home.is_absolute()) return {};
+    return home / ".cache" / "autotrim";
 }
 
 void addOptions(CLI::App& app, Options& options) {

@@ -31,9 +31,14 @@ std::string bar(int percent, std::size_t cells) {
     return fmt::format("[{}{}]", std::string(done, '='), std::string(cells - done, ' '));
 }
 
+/// Which of several files it is; empty for a single one.
+std::string placeOf(const Progress& progress) {
+    return progress.count > 1 ? fmt::format("{}/{}", progress.number, progress.count) : "";
+}
+
 std::string placedName(const Progress& progress, std::size_t columns) {
-    std::string place;
-    if (progress.count > 1) place = fmt::format("{}/{} ", progress.number, progress.count);
+    std::string place = placeOf(progress);
+    if (!place.empty()) place += " ";
     const std::size_t room = columns > place.size() ? columns - place.size() : 0;
     return place + fittedTail(printable(progress.file), room);
 }
@@ -58,8 +63,9 @@ std::string progressBar(const Progress& progress, std::optional<std::chrono::sec
     }
     line += numbers;
     constexpr std::size_t gap = 2;
-    if (room >= gap + shortestName) line += fmt::format("  {}", placedName(progress, room - gap));
-    return line;
+    if (room >= gap + shortestName) return line + "  " + placedName(progress, room - gap);
+    const std::string place = placeOf(progress);
+    return !place.empty() && room >= gap + place.size() ? line + "  " + place : line;
 }
 
 std::string openingLine(const Progress& progress, std::size_t columns) {

@@ -22,6 +22,7 @@ KOR::Status RunMonitor::onTaskEvent(KOR::IDmBaseObj*, std::uint32_t category, st
 }
 
 void RunMonitor::interrupt() {
+    interruption_.request_stop();
     const std::lock_guard lock(mutex_);
     state_.interrupted = true;
     news_ = true;

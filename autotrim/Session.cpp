@@ -23,8 +23,8 @@ void openFiles(Materials& materials, const Options& options, const RunMonitor& m
             continue;
         }
         display.showOpening({file, i + 1, options.files.size(), 0});
-        const std::string error = materials.open(file, options.cacheRoot);
-        if (error.empty()) continue;
+        const std::string error = materials.open(file, options.cacheRoot, monitor.interruption());
+        if (error.empty() || monitor.state().interrupted) continue;
         display.clear();
         say(file, error);
     }

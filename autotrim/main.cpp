@@ -34,6 +34,13 @@ bool isSameFile(const std::string& file, const std::filesystem::path& other) {
     return std::filesystem::equivalent(file, other, notThere);
 }
 
+/// Works for files that do not exist yet, too.
+bool isSamePlace(const std::string& file, const std::string& other) {
+    std::error_code unknown;
+    const auto place = std::filesystem::weakly_canonical(file, unknown);
+    return isSameFile(file, other) || place == std::filesystem::weakly_canonical(other, unknown);
+}
+
 /// Returns a file that a result of the same run would overwrite; empty when there is none.
 std::string fileInDanger(const Options& options) {
     for (const std::string& file : options.files) {
@@ -94,6 +101,10 @@ int start(const std::vector<std::string>& arguments) {
     const std::string inDanger = fileInDanger(options);
     if (!inDanger.empty()) {
         say(inDanger, "the file to be analysed would be overwritten");
+        return exitWrongUse;
+    }
+    if (options.json && options.log && isSamePlace(*options.json, options.log->string())) {
+        say(options.log->string(), "the log would be overwritten by the results");
         return exitWrongUse;
     }
     return run(options);

@@ -163,6 +163,7 @@ TEST(Options, FindTheCacheDirectoryOfTheUser) {
     EXPECT_EQ(accepted({"a"}, {"/var/ada", "/home/ada"}).cacheRoot, "/var/ada/autotrim");
     EXPECT_EQ(accepted({"a"}, {"", "/home/ada"}).cacheRoot, "/home/ada/.cache/autotrim");
     EXPECT_EQ(accepted({"a"}, {"relative", "/home/ada"}).cacheRoot, "/home/ada/.cache/autotrim");
+    EXPECT_EQ(accepted({"a"}, {"", "home/ada"}).cacheRoot, "");
     EXPECT_EQ(accepted({"a"}, {"", ""}).cacheRoot, "");
 }
 

@@ -39,6 +39,11 @@ TEST(ProgressBar, FitsEveryWidth) {
     }
 }
 
+TEST(ProgressBar, NamesThePlaceWhereTheNameFindsNoRoom) {
+    EXPECT_EQ(progressBar({"clip.mp4", 8, 10, 42}, seconds(65), 39),
+              "[===      ]  42%  1:05 left  8/10");
+}
+
 TEST(ProgressBar, KeepsThePercentageOnANarrowTerminal) {
     EXPECT_EQ(progressBar({"clip.mp4", 1, 1, 42}, seconds(5), 10), " 42%");
 }
