@@ -6,6 +6,7 @@
 #include "host/IDmBaseObj.h"
 #include "host/lists.h"
 #include "host/media.h"
+#include "host/results.h"
 #include "host/status.h"
 
 namespace KOR {
@@ -136,12 +137,6 @@ enum MediaAnalysisType : std::int32_t {
     analysisTypeKeyFrame = 9,
 };
 
-/// A stretch of a source: a scene. Begin is included, end is not.
-struct TickRange {
-    std::int64_t begin;  ///< ticks
-    std::int64_t end;    ///< ticks
-};
-
 /// How scenes are to be found (block of analysisTypeScene).
 struct SceneParameters {
     /// Divides the threshold; above 0. 1.0, which is also the default, takes it as it stands.
@@ -225,16 +220,22 @@ public:
     virtual Status reserved15() = 0;  ///< 15. Not called.
     virtual Status reserved16() = 0;  ///< 16. Not called.
 
-    /// 17. Appends the results of one kind (a MediaAnalysisType) of the run that finished last, in
-    /// ascending position, to `list`, which owns them from then on: an element is a copy in a block
-    /// of its own from `::operator new`. The same run gives the same results however often it is
-    /// asked, from the moment of its taskEventFinished (from inside it, too) until setSource or
-    /// start. The second and fourth arguments are 0.
+    /// 17. Appends the results of one kind (a MediaAnalysisType) of the run that finished last to
+    /// `list`, which owns them from then on: an element is a copy in a block of its own from
+    /// `::operator new`. The same run gives the same results however often it is asked, from the
+    /// moment of its taskEventFinished (from inside it, too) until setSource or start. The second
+    /// and fourth arguments are 0.
     ///
     /// Elements: analysisTypeScene a TickRange, the scenes ascending; analysisTypeKeyFrame an
-    /// int64, the position in ticks. A kind that the task does not compute, or a task that failed,
-    /// gives no elements and statusOk. Null, or an element that cannot be added, gives
-    /// statusFailed; what was appended until then stays in the list.
+    /// int64, the position in ticks, ascending; analysisTypeFace a FaceDetectFrame,
+    /// analysisTypeEntropy an EntropySample and analysisTypeBlur a BlurSample, one for each
+    /// position that was set and in that order, or a single one for a still source. A picture that
+    /// cannot be looked at has an element all the same, with no face, entropy 0.0 and sharpness
+    /// 0.0, so that the n-th element always belongs to the n-th position.
+    ///
+    /// A kind that the task does not compute, or a task that failed, gives no elements and
+    /// statusOk. Null, or an element that cannot be added, gives statusFailed; what was appended
+    /// until then stays in the list.
     virtual Status getResultList(std::int32_t kind, std::int32_t reserved1, IKORVoidPtrList* list,
                                  std::int32_t reserved2) = 0;
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -43,6 +45,15 @@ struct MaterialReport {
 
 /// Returns the report of a material that importMaterial made.
 MaterialReport reportOf(KOR::IDmBaseObj& material);
+
+/// Returns how many faces the last face detection on `material`, which importMaterial made, found
+/// in the picture at `positionTicks`; none where it did not look there.
+std::optional<std::int32_t> facesAt(KOR::IDmBaseObj& material, std::int64_t positionTicks);
+
+/// Has faces found by `model`, a model for OpenCV's FaceDetectorYN (ONNX), from the next analysis
+/// on, instead of by the detector that is built in. Throws std::runtime_error, which names the
+/// file, where it cannot be read or is no such model.
+void useFaceModel(const std::filesystem::path& model);
 
 /// Sends the host's log (number 0), FFmpeg's messages included, to the end of `file`. Until this is
 /// called there is no log, and FFmpeg's messages are dropped. Throws std::runtime_error, which

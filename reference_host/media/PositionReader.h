@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <stop_token>
+
+#include "reference_host/media/FootageFacts.h"
+#include "reference_host/vision/Picture.h"
+
+namespace reference_host::media {
+
+/// Reads single pictures of a media file. Belongs to one thread at a time.
+///
+/// A position is reached from the key frame before it, and positions that are asked for in
+/// ascending order share the way. Footage whose packets carry no timestamps is decoded from its
+/// beginning once, since nobody else knows where its frames are.
+class PositionReader {
+public:
+    /// Opens `file`, of which `facts` were found before. Reading ends soon after `stop` is
+    /// requested. Throws MediaError.
+    PositionReader(const std::filesystem::path& file, const FootageFacts& facts,
+                   std::stop_token stop);
+    PositionReader(const PositionReader&) = delete;
+    PositionReader& operator=(const PositionReader&) = delete;
+    ~PositionReader();
+
+    /// Fills in the picture that is shown at `positionTicks`; for a photo the one that there is,
+    /// whatever the position. False where there is none that can be decoded; `picture` then means
+    /// nothing.
+    bool read(std::int64_t positionTicks, vision::Picture& picture);
+
+private:
+    class Stream;
+    std::unique_ptr<Stream> stream_;
+};
+
+}  // namespace reference_host::media
