@@ -32,6 +32,19 @@ MaterialReport Footage::report() const {
     return report_;
 }
 
+void Footage::noteFaces(const std::vector<KOR::FaceDetectFrame>& frames) {
+    const std::scoped_lock lock(mutex_);
+    faceCounts_.clear();
+    for (const KOR::FaceDetectFrame& frame : frames)
+        faceCounts_[frame.pos] = frame.faceCount;
+}
+
+std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {
+    const std::scoped_lock lock(mutex_);
+    const auto found = faceCounts_.find(positionTicks);
+    return found == faceCounts_.end() ? std::nullopt : std::optional(found->second);
+}
+
 std::shared_ptr<const scenes::FootageRecord> Footage::record() const {
     const std::scoped_lock lock(mutex_);
     return record_;

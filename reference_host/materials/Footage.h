@@ -1,11 +1,16 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <vector>
 
+#include "host/results.h"
 #include "reference_host/ReferenceHost.h"
 #include "reference_host/media/FootageFacts.h"
 #include "reference_host/scenes/FootageRecord.h"
@@ -35,6 +40,13 @@ public:
 
     MaterialReport report() const;
 
+    /// Takes what a face detection has found, in the place of an earlier one.
+    void noteFaces(const std::vector<KOR::FaceDetectFrame>& frames);
+
+    /// Returns how many faces the last detection found in the picture at `positionTicks`; none
+    /// where it did not look there.
+    std::optional<std::int32_t> facesAt(std::int64_t positionTicks) const;
+
     /// The record of the last complete decode, or null. It spares a task that looks for keyframes
     /// in known scenes another decode.
     std::shared_ptr<const scenes::FootageRecord> record() const;
@@ -47,6 +59,7 @@ private:
     std::atomic<bool> failed_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
+    std::map<std::int64_t, std::int32_t> faceCounts_;
     std::shared_ptr<const scenes::FootageRecord> record_;
 };
 
