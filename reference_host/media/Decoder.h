@@ -25,6 +25,9 @@ public:
     /// after the last frame. What cannot be decoded is passed over and counted.
     const AVFrame* receive();
 
+    /// Prepares for packets from another place of the stream; frames not yet received are dropped.
+    void forget() { avcodec_flush_buffers(context_.get()); }
+
     /// Frames received so far.
     std::int64_t decoded() const { return decoded_; }
 
