@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "modules/BusinessLayer/MaterialAnalysis/FaceScore.h"
 #include "tests/component/ScoringTest.h"
 
 namespace fake_host {

@@ -1,5 +1,3 @@
-#include "modules/BusinessLayer/MaterialAnalysis/FaceScore.h"
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -10,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "host/geometry.h"
+#include "modules/BusinessLayer/MaterialAnalysis/FaceScore.h"
 #include "tests/support/FakeHost.h"
 #include "tests/support/faces.h"
 
@@ -226,9 +225,14 @@ TEST_F(FaceScore, LooksAtEveryOneOfTwentyFaces) {
 }
 
 TEST_F(FaceScore, LooksAtTwentyFacesWhereMoreAreCounted) {
+    // Behind the frame lies what would outdo every face of it.
+    struct {
+        KOR::FaceDetectFrame frame;
+        KOR::KorRect behind;
+    } memory{{}, {0, 0, 1, 1}};
     for (const std::int32_t count : {21, 22, 1000, std::numeric_limits<std::int32_t>::max()}) {
-        EXPECT_EQ(KOR::faceScoreOfFrame(frameCounting(count, growingFaces(20))),
-                  faceScoreIn(inner, true));
+        memory.frame = frameCounting(count, growingFaces(20));
+        EXPECT_EQ(KOR::faceScoreOfFrame(memory.frame), faceScoreIn(inner, true));
     }
 }
 

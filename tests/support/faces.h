@@ -14,8 +14,8 @@ KOR::KorRect faceAt(double x, double y, double width, double height);
 KOR::KorRect largeFaceAt(double x, double y);
 KOR::KorRect smallFaceAt(double x, double y);
 
-/// A frame that counts these faces. What lies behind them is no face of it and would outdo each one
-/// of them: the whole picture.
+/// A frame with these faces, at most 20. Behind them lie others, which do not count and would outdo
+/// each one of them: the whole picture.
 KOR::FaceDetectFrame frameWith(const std::vector<KOR::KorRect>& faces);
 
 /// The same, but with another count than it has faces.
