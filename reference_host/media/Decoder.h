@@ -15,8 +15,13 @@ public:
         several  ///< as fast as the machine allows; frames come some packets later
     };
 
+    enum class Size {
+        full,
+        reduced  ///< by halves, where the codec can; the longer side keeps vision::maxPictureSidePx
+    };
+
     /// Throws MediaError where the stream cannot be decoded.
-    Decoder(const AVStream& stream, Threads threads);
+    Decoder(const AVStream& stream, Threads threads, Size size);
 
     /// Takes the next packet, or null at the end. Call it when receive() has given null.
     void send(const AVPacket* packet);

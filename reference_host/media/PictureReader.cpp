@@ -13,7 +13,7 @@ public:
     Stream(const std::filesystem::path& file, const FootageFacts& facts, std::stop_token stop)
         : origin_(facts.originTimestamp),
           durationTicks_(facts.durationTicks),
-          reader_(file, Decoder::Threads::several, std::move(stop)) {}
+          reader_(file, Decoder::Threads::several, Decoder::Size::full, std::move(stop)) {}
 
     bool next(scenes::PictureSample& picture) {
         while (const AVFrame* frame = reader_.next()) {

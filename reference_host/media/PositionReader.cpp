@@ -8,7 +8,6 @@
 #include "reference_host/media/FrameReader.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/PictureMaker.h"
-#include "reference_host/media/shownAs.h"
 
 namespace reference_host::media {
 namespace {
@@ -39,6 +38,7 @@ public:
           isVideo_(facts.isVideo),
           origin_(facts.originTimestamp),
           durationTicks_(facts.durationTicks),
+          lastTimestamp_(facts.lastTimestamp),
           keys_(facts.keyTimestamps),
           stop_(std::move(stop)),
           reader_(open()) {}
@@ -46,8 +46,8 @@ public:
     bool read(std::int64_t positionTicks, vision::Picture& picture) {
         // A photo has one picture, whose position is 0.
         return find(isVideo_ ? positionTicks : 0) &&
-               maker_.make(*shown_.frame, shapeOfPixels(*shown_.frame, reader_->video()),
-                           orientationOf(*shown_.frame, reader_->video()), picture);
+               maker_.make(*shown_.frame, reader_->shapeOfPixels(*shown_.frame),
+                           reader_->orientationOf(*shown_.frame), picture);
     }
 
     Effort effort() const {
@@ -59,22 +59,33 @@ public:
 
 private:
     std::unique_ptr<FrameReader> open() const {
-        const auto threads = isVideo_ ? Decoder::Threads::several : Decoder::Threads::one;
-        return std::make_unique<FrameReader>(file_, threads, stop_);
+        // A photo may be as large as memory allows; of it, there is only one frame to wait for.
+        return isVideo_ ? std::make_unique<FrameReader>(file_, Decoder::Threads::several,
+                                                        Decoder::Size::full, stop_)
+                        : std::make_unique<FrameReader>(file_, Decoder::Threads::one,
+                                                        Decoder::Size::reduced, stop_);
     }
 
     /// Makes shown_ the frame that is shown at the position. False where there is none.
     bool find(std::int64_t positionTicks) {
         const std::size_t keys = keysUpTo(positionTicks);
-        if (isOnTheWay(positionTicks, keys)) return goOn(positionTicks);
+        if (isOnTheWay(positionTicks, keys)) {
+            const Outcome outcome = goOn(positionTicks);
+            if (outcome == Outcome::found || keys <= 1) return outcome == Outcome::found;
+        }
         // From the last key frame up to the position; where nothing comes of it that is shown by
-        // then, from key frames further and further back.
+        // then, from key frames further and further back. A frame that is missing may come after a
+        // longer way, too: some decoders withhold what follows a key frame soon. Once that is
+        // tried, it is lost.
+        bool wasMissing = false;
         for (std::size_t back = 1; back < keys; back *= 2) {
             if (!startAt(keys - back)) break;
-            if (goOn(positionTicks)) return true;
-            if (stop_.stop_requested()) return false;
+            const Outcome outcome = goOn(positionTicks);
+            if (outcome == Outcome::found) return true;
+            if (stop_.stop_requested() || (outcome == Outcome::missing && wasMissing)) return false;
+            wasMissing = outcome == Outcome::missing;
         }
-        return startOver() && goOn(positionTicks);
+        return startOver() && goOn(positionTicks) == Outcome::found;
     }
 
     /// Returns how many key frames are shown up to the position.
@@ -108,10 +119,13 @@ private:
     /// key frames further and further back. False where no way leads there.
     bool startAt(std::size_t key) {
         forgetFrames();
-        for (std::size_t back = 0; !stop_.stop_requested(); back = 2 * back + 1) {
+        for (std::size_t back = usualBack_; !stop_.stop_requested(); back = 2 * back + 1) {
             ++earlier_.jumps;
             const std::size_t from = key - std::min(back, key);
-            if (reader_->startAt(keys_[key], keys_[from])) return true;
+            if (reader_->startAt(keys_[key], keys_[from])) {
+                usualBack_ = back;
+                return true;
+            }
             if (from == 0) break;
         }
         // Nor will there be any to the other ones.
@@ -142,16 +156,35 @@ private:
         isAtStart_ = false;
     }
 
-    /// Decodes on until shown_ is known to be the last frame up to the position. False where there
-    /// is none.
-    bool goOn(std::int64_t positionTicks) {
-        while (next_.positionTicks || takeNext()) {
+    enum class Outcome {
+        found,    ///< shown_ is the frame
+        missing,  ///< the frame was announced and did not come
+        none      ///< no frame came that is shown by then
+    };
+
+    /// Decodes on until shown_ is known to be the last frame up to the position.
+    Outcome goOn(std::int64_t positionTicks) {
+        while (shown_.positionTicks != positionTicks && (next_.positionTicks || takeNext())) {
             if (!isUpTo(next_, positionTicks)) break;
             std::swap(shown_, next_);
             next_.clear();
-            if (shown_.positionTicks == positionTicks) break;
         }
-        return !stop_.stop_requested() && isUpTo(shown_, positionTicks);
+        if (stop_.stop_requested() || !isUpTo(shown_, positionTicks)) return Outcome::none;
+        return isMissing(positionTicks) ? Outcome::missing : Outcome::found;
+    }
+
+    /// Says whether a frame is known to be missing that would be shown at the position instead of
+    /// shown_. Second fields are announced as well, at half a frame's distance.
+    bool isMissing(std::int64_t positionTicks) const {
+        if (shown_.positionTicks == positionTicks) return false;
+        std::optional<std::int64_t> missed = reader_->missed();
+        // Where a file has become shorter, nothing is announced behind its end.
+        if (!missed && !next_.positionTicks) missed = lastTimestamp_;
+        std::int64_t distance = 0;
+        if (!missed || __builtin_sub_overflow(*missed, shown_.timestamp, &distance)) return false;
+        const std::optional<std::int64_t> position = reader_->clock().positionOf(*missed, origin_);
+        return distance >= reader_->clock().ordinaryDistance() && position &&
+               *position <= positionTicks;
     }
 
     /// Fills next_. False at the end.
@@ -173,6 +206,7 @@ private:
     const bool isVideo_;
     const std::int64_t origin_;
     const std::int64_t durationTicks_;
+    const std::int64_t lastTimestamp_;
     std::vector<std::int64_t> keys_;
     const std::stop_token stop_;
     std::unique_ptr<FrameReader> reader_;
@@ -183,6 +217,8 @@ private:
     /// The frame behind shown_, where it is known.
     PlacedFrame next_;
     std::int64_t lastPosition_ = -1;
+    /// From how many key frames further back the last one was met.
+    std::size_t usualBack_ = 0;
     bool isAtStart_ = true;
 };
 

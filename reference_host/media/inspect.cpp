@@ -21,7 +21,7 @@ namespace {
 class FirstPictures {
 public:
     explicit FirstPictures(const AVStream& stream)
-        : decoder_(stream, Decoder::Threads::one), clock_(stream) {}
+        : decoder_(stream, Decoder::Threads::one, Decoder::Size::reduced), clock_(stream) {}
 
     void add(const AVPacket* packet) {
         if (count_ > 1) return;
@@ -70,7 +70,7 @@ bool readNext(Container& container, AVPacket& packet, const std::stop_token& sto
 }
 
 LastFrame decodeToTheEnd(const std::filesystem::path& file, const std::stop_token& stop) {
-    FrameReader reader(file, Decoder::Threads::several, stop);
+    FrameReader reader(file, Decoder::Threads::several, Decoder::Size::full, stop);
     LastFrame last;
     while (const AVFrame* frame = reader.next())
         last.add(reader.timestamp(), frameDuration(*frame));
@@ -133,6 +133,7 @@ FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& s
     facts.isVideo = true;
     facts.keyTimestamps = keyFrames.take();
     const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file, stop);
+    facts.lastTimestamp = last.timestamp();
     facts.durationTicks = durationOf(last, FrameClock(container.video()), pictures.origin());
     return facts;
 }
