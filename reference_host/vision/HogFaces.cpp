@@ -15,9 +15,9 @@ HogFaces::HogFaces() : model_(std::make_unique<Model>()) {}
 
 HogFaces::~HogFaces() = default;
 
-std::vector<Find> HogFaces::find(const cv::Mat& picture) {
+std::vector<Find> HogFaces::find(const cv::Mat& picture, double lowestScore) {
     std::vector<std::pair<double, dlib::rectangle>> places;
-    model_->detector(dlib::cv_image<unsigned char>(picture), places);
+    model_->detector(dlib::cv_image<unsigned char>(picture), places, lowestScore);
     std::vector<Find> finds;
     for (const auto& [score, place] : places) {
         const Box box{static_cast<double>(place.left()), static_cast<double>(place.top()),

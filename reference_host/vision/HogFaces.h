@@ -20,8 +20,9 @@ public:
     HogFaces& operator=(const HogFaces&) = delete;
     ~HogFaces();
 
-    /// Returns the faces in `picture`, one channel of 8 bits: those of smallestPx and more across.
-    std::vector<Find> find(const cv::Mat& picture);
+    /// Returns the faces in `picture`, one channel of 8 bits: those that are at least smallestPx
+    /// across and score at least `lowestScore`, 0 being where the model itself would draw the line.
+    std::vector<Find> find(const cv::Mat& picture, double lowestScore);
 
     /// What the detector's model is made for.
     static constexpr int smallestPx = 80;
