@@ -32,10 +32,12 @@ set(standard "[a-z_0-9]+$")
 check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/" EXCEPT ${component}/ResultCacheText.cpp)
 check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
-  EXCEPT reference_host/media reference_host/services/Log)
+  EXCEPT reference_host/media reference_host/services/Log reference_host/vision)
 check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")
 check_room(reference_host/media
   "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|fcntl.h$|sys/|unistd.h$")
+check_room(reference_host/vision
+  "${standard}|host/|reference_host/vision/|opencv2/|dlib/")
 check_room(autotrim
   "${standard}|host/|autotrim/|reference_host/ReferenceHost.h|${component}/IKorMaterialAnalysis.h|CLI/|fmt/|rapidjson/|[a-z]+.h$|sys/")
 

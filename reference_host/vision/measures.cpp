@@ -1,0 +1,33 @@
+#include "reference_host/vision/measures.h"
+
+#include <cmath>
+#include <numeric>
+
+#include <opencv2/imgproc.hpp>
+
+#include "reference_host/vision/matrices.h"
+
+namespace reference_host::vision {
+
+double entropyBits(const LumaHistogram& luma) {
+    const auto pixels =
+        static_cast<double>(std::accumulate(luma.begin(), luma.end(), std::int64_t{0}));
+    double bits = 0;
+    for (const std::int64_t count : luma) {
+        if (count == 0) continue;
+        const double share = static_cast<double>(count) / pixels;
+        bits += share * std::log2(1 / share);
+    }
+    return bits;
+}
+
+double sharpness(const Picture& picture) {
+    cv::Mat laplacian;
+    cv::Laplacian(brightnessMatrix(picture), laplacian, CV_64F);
+    cv::Scalar mean;
+    cv::Scalar deviation;
+    cv::meanStdDev(laplacian, mean, deviation);
+    return deviation[0] * deviation[0];
+}
+
+}  // namespace reference_host::vision
