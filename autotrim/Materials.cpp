@@ -60,12 +60,18 @@ void countFaces(std::vector<Record>& records, KOR::IDmBaseObj& material) {
         record.faces = reference_host::facesAt(material, record.posOfMaxScore);
 }
 
-/// Whether a run over these kinds looks for faces in photos.
-bool looksAtPhotos(const Options& options) {
-    const auto findsFaces = [](std::int32_t kind) {
+bool findFaces(const Kinds& kinds) {
+    return std::any_of(kinds.begin(), kinds.end(), [](std::int32_t kind) {
         return kind == KOR::analysisKindFace || kind == KOR::analysisKindFaceAndEntropy;
-    };
-    return options.photos && std::any_of(options.kinds.begin(), options.kinds.end(), findsFaces);
+    });
+}
+
+/// Whether a run by `options` is to look for faces in a photo, has given it its record before that,
+/// and has not looked yet.
+bool awaitsFaces(const FileReport& report, const Options& options) {
+    const bool isWanted = options.photos && findFaces(options.kinds);
+    return isWanted && report.type == MaterialType::photo && !report.results.empty() &&
+           !report.results.front().faces;
 }
 
 /// Whether the material has a cache and its records are not there. A file that is there and cannot
@@ -144,10 +150,12 @@ std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component,
         reports[i].results = std::move(records[entry.media]);
         countFaces(reports[i].results, *entry.object);
         const bool hasRecords = !reports[i].results.empty();
-        const bool awaitsFaces = looksAtPhotos(options) && hasRecords &&
-                                 entry.report.type == MaterialType::photo &&
-                                 !reports[i].results.front().faces;
-        decideOutcome(reports[i], {facts.analysed, hasRecords, awaitsFaces, passed, facts.failure},
+        decideOutcome(reports[i],
+                      {.analysed = facts.analysed,
+                       .hasRecords = hasRecords,
+                       .awaitsFaces = awaitsFaces(reports[i], options),
+                       .passed = passed,
+                       .failure = facts.failure},
                       end, options.minLengthSeconds);
         passed = passed || facts.analysed || hasRecords;
     }

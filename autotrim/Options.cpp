@@ -17,8 +17,7 @@ namespace autotrim {
 namespace {
 
 constexpr const char* description =
-    "Finds the scenes of videos, the best keyframe of each, and faces, and prints them as "
-    "auto-trim "
+    "Finds the scenes of videos, the best keyframe of each, and faces, and prints auto-trim "
     "records.";
 
 constexpr const char* exitCodes =
