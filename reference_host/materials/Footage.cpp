@@ -32,11 +32,9 @@ MaterialReport Footage::report() const {
     return report_;
 }
 
-void Footage::noteFaces(const std::vector<KOR::FaceDetectFrame>& frames) {
+void Footage::noteFaces(FaceCounts counts) {
     const std::scoped_lock lock(mutex_);
-    faceCounts_.clear();
-    for (const KOR::FaceDetectFrame& frame : frames)
-        faceCounts_[frame.pos] = frame.faceCount;
+    faceCounts_ = std::move(counts);
 }
 
 std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {

@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "host/results.h"
 #include "reference_host/ReferenceHost.h"
 #include "reference_host/media/FootageFacts.h"
 #include "reference_host/scenes/FootageRecord.h"
@@ -40,8 +39,11 @@ public:
 
     MaterialReport report() const;
 
-    /// Takes what a face detection has found, in the place of an earlier one.
-    void noteFaces(const std::vector<KOR::FaceDetectFrame>& frames);
+    /// How many faces there are in pictures, by their positions in ticks.
+    using FaceCounts = std::map<std::int64_t, std::int32_t>;
+
+    /// Takes what a face detection has counted, in the place of an earlier one.
+    void noteFaces(FaceCounts counts);
 
     /// Returns how many faces the last detection found in the picture at `positionTicks`; none
     /// where it did not look there.
@@ -59,7 +61,7 @@ private:
     std::atomic<bool> failed_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
-    std::map<std::int64_t, std::int32_t> faceCounts_;
+    FaceCounts faceCounts_;
     std::shared_ptr<const scenes::FootageRecord> record_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "reference_host/media/PositionReader.h"
 #include "reference_host/tasks/FaceDetectors.h"
@@ -38,9 +39,20 @@ void makeRoom(const AnalysisRequest& request, const std::vector<std::int64_t>& p
     }
 }
 
-void takeFaces(const std::vector<KOR::KorRect>& faces, KOR::FaceDetectFrame& frame) {
-    frame.faceCount = static_cast<std::int32_t>(faces.size());
-    std::copy(faces.begin(), faces.end(), frame.faceRects);
+/// Fills in what can be seen in the `index`th picture, wherever there is room for it. `detector` is
+/// null where no faces are wanted.
+void take(const vision::Picture& picture, std::size_t index, vision::FaceDetector* detector,
+          AnalysisResults& results) {
+    if (detector != nullptr) {
+        const std::vector<KOR::KorRect> faces = detector->detect(picture);
+        KOR::FaceDetectFrame& frame = results.faces[index];
+        frame.faceCount = static_cast<std::int32_t>(faces.size());
+        std::copy(faces.begin(), faces.end(), frame.faceRects);
+    }
+    if (!results.entropies.empty()) {
+        results.entropies[index].entropy = vision::entropyBits(picture.luma);
+    }
+    if (!results.blurs.empty()) results.blurs[index].sharpness = vision::sharpness(picture);
 }
 
 }  // namespace
@@ -55,19 +67,17 @@ void analysePictures(const AnalysisRequest& request, const std::stop_token& stop
     media::PositionReader reader(footage.file(), footage.facts(), stop);
     const auto detector = request.wantsFaces ? FaceDetectors::instance().borrow() : nullptr;
     vision::Picture picture;
+    Footage::FaceCounts faceCounts;
     std::size_t done = 0;
     for (const std::size_t i : inFootageOrder(positions)) {
         if (stop.stop_requested()) return;
         if (reader.read(positions[i], picture)) {
-            if (request.wantsFaces) takeFaces(detector->detect(picture), results.faces[i]);
-            if (request.wantsEntropy) {
-                results.entropies[i].entropy = vision::entropyBits(picture.luma);
-            }
-            if (request.wantsBlur) results.blurs[i].sharpness = vision::sharpness(picture);
+            take(picture, i, detector.get(), results);
+            if (detector) faceCounts[positions[i]] = results.faces[i].faceCount;
         }
         progress.report(static_cast<std::int32_t>(++done * 100 / positions.size()));
     }
-    if (request.wantsFaces) footage.noteFaces(results.faces);
+    if (detector) footage.noteFaces(std::move(faceCounts));
 }
 
 }  // namespace reference_host

@@ -152,8 +152,9 @@ TEST(PictureTask, TellsWhereItHasLookedForFaces) {
         return reference_host::facesAt(*run.material, position);
     };
     EXPECT_EQ(facesAt(0), std::nullopt) << "nobody has looked yet";
-    run.lookAt({0, twoColours});
+    run.lookAt({0, twoColours, -frame});
     run.finish();
+    EXPECT_EQ(facesAt(-frame), std::nullopt) << "there is no picture";
     EXPECT_EQ(facesAt(0), 0);
     EXPECT_EQ(facesAt(twoColours), 0);
     EXPECT_EQ(facesAt(oneColour), std::nullopt);
