@@ -1,5 +1,4 @@
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -76,9 +75,8 @@ TEST(RefusedFiles, WhatIsTooDamaged) {
 
 /// Replaces width and height in the sample description of an uncompressed video.
 void patchSize(const std::filesystem::path& mov, const std::string& bytes) {
-    std::ostringstream content;
-    content << std::ifstream(mov, std::ios::binary).rdbuf();
-    const std::size_t description = content.str().find("raw ", content.str().find("stsd"));
+    const std::string content = contentOf(mov);
+    const std::size_t description = content.find("raw ", content.find("stsd"));
     ASSERT_NE(description, std::string::npos);
     FootageFiles::patch(mov, static_cast<std::int64_t>(description) + 28, bytes);
 }

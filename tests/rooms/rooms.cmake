@@ -35,7 +35,7 @@ check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unist
   EXCEPT reference_host/media reference_host/services/Log)
 check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")
 check_room(reference_host/media
-  "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|fcntl.h$|sys/|unistd.h$")
+  "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|libheif/|fcntl.h$|sys/|unistd.h$")
 check_room(autotrim
   "${standard}|host/|autotrim/|reference_host/ReferenceHost.h|${component}/IKorMaterialAnalysis.h|CLI/|fmt/|rapidjson/|[a-z]+.h$|sys/")
 
