@@ -149,6 +149,10 @@ bool Container::read(AVPacket& packet) {
     return true;
 }
 
+bool Container::seek(std::int64_t timestamp) {
+    return av_seek_frame(context_.get(), video_->index, timestamp, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
 bool Container::endedEarly() const {
     return failed_ || packets_ < avformat_index_get_entries_count(video_);
 }

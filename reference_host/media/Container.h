@@ -23,8 +23,15 @@ public:
     /// Reads the video's next packet. False at the end, or where reading cannot go on.
     bool read(AVPacket& packet);
 
+    /// Goes to a place from which the frame at `timestamp`, in the unit of the video, should be
+    /// met; it can be anywhere. False where reading cannot go on.
+    bool seek(std::int64_t timestamp);
+
+    /// How many packets of the video have been read so far.
+    std::int64_t packetsRead() const { return packets_; }
+
     /// Says whether reading came to its end by an error, or before the end that the file's own
-    /// index promises. Ask after the last read.
+    /// index promises. Ask after the last read, where all was read in order.
     bool endedEarly() const;
 
 private:

@@ -13,6 +13,7 @@ extern "C" {
 #include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
+#include "reference_host/vision/Picture.h"
 
 namespace reference_host::media {
 namespace {
@@ -28,6 +29,15 @@ int threadCount(const AVCodecParameters& codec, Decoder::Threads threads) {
     const bool large = std::int64_t{codec.width} * codec.height > maxPixelsForThreads;
     if (threads == Decoder::Threads::one || large) return 1;
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, maxThreads));
+}
+
+/// Returns how often a picture can be halved before it is smaller than those that are looked at.
+int halvings(const AVCodecParameters& parameters, const AVCodec& codec) {
+    const int side = std::max(parameters.width, parameters.height);
+    int count = 0;
+    while (count < codec.max_lowres && side >> (count + 1) >= vision::maxPictureSidePx)
+        ++count;
+    return count;
 }
 
 /// Gives a frame its memory unless it would be more than maxPictureBytes.
@@ -59,7 +69,8 @@ void limitPictures(AVCodecContext& context) {
 
 }  // namespace
 
-Decoder::Decoder(const AVStream& stream, Threads threads) : frame_(adopt(av_frame_alloc())) {
+Decoder::Decoder(const AVStream& stream, Threads threads, Size size)
+    : frame_(adopt(av_frame_alloc())) {
     const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
     if (codec == nullptr) {
@@ -70,6 +81,7 @@ Decoder::Decoder(const AVStream& stream, Threads threads) : frame_(adopt(av_fram
     if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
     context_->pkt_timebase = stream.time_base;
     limitPictures(*context_);
+    if (size == Size::reduced) context_->lowres = halvings(parameters, *codec);
     context_->thread_count = threadCount(parameters, threads);
     const FirstError error;
     if (avcodec_open2(context_.get(), codec, nullptr) < 0) {

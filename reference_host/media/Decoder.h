@@ -15,8 +15,13 @@ public:
         several  ///< as fast as the machine allows; frames come some packets later
     };
 
+    enum class Size {
+        full,
+        reduced  ///< by halves, where the codec can; the longer side keeps vision::maxPictureSidePx
+    };
+
     /// Throws MediaError where the stream cannot be decoded.
-    Decoder(const AVStream& stream, Threads threads);
+    Decoder(const AVStream& stream, Threads threads, Size size);
 
     /// Takes the next packet, or null at the end. Call it when receive() has given null.
     void send(const AVPacket* packet);
@@ -24,6 +29,9 @@ public:
     /// Returns the next frame, valid until the next call; null where another packet is needed, or
     /// after the last frame. What cannot be decoded is passed over and counted.
     const AVFrame* receive();
+
+    /// Prepares for packets from another place of the stream; frames not yet received are dropped.
+    void forget() { avcodec_flush_buffers(context_.get()); }
 
     /// Frames received so far.
     std::int64_t decoded() const { return decoded_; }

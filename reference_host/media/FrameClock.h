@@ -37,6 +37,9 @@ public:
     /// Takes a frame's timestamp and how long it is shown; 0 where it is unknown.
     void add(std::int64_t timestamp, std::int64_t duration);
 
+    /// Returns the last frame's timestamp; 0 where there is no frame.
+    std::int64_t timestamp() const { return last_.value_or(0); }
+
     /// Returns the end of the last frame: after its own duration, otherwise after the distance to
     /// the frame before it, otherwise after `ordinaryDistance`. None when there is no frame or no
     /// such number.

@@ -30,6 +30,17 @@ public:
     /// nothing.
     bool read(std::int64_t positionTicks, vision::Picture& picture);
 
+    /// What reading has taken so far.
+    struct Effort {
+        /// How often reading went on from another place of the file.
+        std::int64_t jumps = 0;
+        /// Packets of the video that were read.
+        std::int64_t packets = 0;
+        /// Frames that were decoded.
+        std::int64_t frames = 0;
+    };
+    Effort effort() const;
+
 private:
     class Stream;
     std::unique_ptr<Stream> stream_;

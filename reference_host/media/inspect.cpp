@@ -7,6 +7,8 @@
 #include "reference_host/media/Container.h"
 #include "reference_host/media/Decoder.h"
 #include "reference_host/media/FrameClock.h"
+#include "reference_host/media/FrameReader.h"
+#include "reference_host/media/KeyFrames.h"
 #include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
@@ -19,7 +21,7 @@ namespace {
 class FirstPictures {
 public:
     explicit FirstPictures(const AVStream& stream)
-        : decoder_(stream, Decoder::Threads::one), clock_(stream) {}
+        : decoder_(stream, Decoder::Threads::one, Decoder::Size::reduced), clock_(stream) {}
 
     void add(const AVPacket* packet) {
         if (count_ > 1) return;
@@ -68,18 +70,11 @@ bool readNext(Container& container, AVPacket& packet, const std::stop_token& sto
 }
 
 LastFrame decodeToTheEnd(const std::filesystem::path& file, const std::stop_token& stop) {
-    Container container(file, stop);
-    Decoder decoder(container.video(), Decoder::Threads::several);
-    FrameClock clock(container.video());
+    FrameReader reader(file, Decoder::Threads::several, Decoder::Size::full, stop);
     LastFrame last;
-    const auto packet = adopt(av_packet_alloc());
-    for (bool more = true; more;) {
-        more = readNext(container, *packet, stop);
-        decoder.send(more ? packet.get() : nullptr);
-        while (const AVFrame* frame = decoder.receive()) {
-            last.add(clock.timestampOf(*frame), frameDuration(*frame));
-        }
-    }
+    while (const AVFrame* frame = reader.next())
+        last.add(reader.timestamp(), frameDuration(*frame));
+    if (stop.stop_requested()) throw MediaError("interrupted");
     return last;
 }
 
@@ -118,9 +113,11 @@ FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& s
     const FirstError decoding;
     FirstPictures pictures(container.video());
     Packets packets;
+    KeyFrames keyFrames;
     const auto packet = adopt(av_packet_alloc());
     while (readNext(container, *packet, stop)) {
         packets.add(*packet);
+        keyFrames.add(*packet);
         pictures.add(packet.get());
     }
     pictures.add(nullptr);
@@ -134,7 +131,9 @@ FootageFacts inspect(const std::filesystem::path& file, const std::stop_token& s
     if (pictures.count() == 1) return facts;
 
     facts.isVideo = true;
+    facts.keyTimestamps = keyFrames.take();
     const LastFrame last = packets.complete() ? packets.lastFrame() : decodeToTheEnd(file, stop);
+    facts.lastTimestamp = last.timestamp();
     facts.durationTicks = durationOf(last, FrameClock(container.video()), pictures.origin());
     return facts;
 }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "reference_host/media/FrameScaler.h"
+#include "reference_host/media/Orientation.h"
+#include "reference_host/vision/Picture.h"
+
+namespace reference_host::media {
+
+/// Makes upright pictures of decoded frames. Belongs to one thread at a time.
+class PictureMaker {
+public:
+    PictureMaker();
+
+    /// Fills in `picture`. `aspect` is how wide a pixel of the frame is in proportion to its
+    /// height; anything but a positive number stands for a square. False, and `picture` means
+    /// nothing, for a pixel format that cannot be read.
+    bool make(const AVFrame& frame, AVRational aspect, Orientation orientation,
+              vision::Picture& picture);
+
+private:
+    FrameScaler scaler_;
+};
+
+}  // namespace reference_host::media
