@@ -117,7 +117,7 @@ public:
 
 private:
     cv::Ptr<cv::FaceDetectorYN> detector_;
-    cv::Mat square_{squarePx, squarePx, CV_8UC3};
+    cv::Mat square_ = cv::Mat(squarePx, squarePx, CV_8UC3);
 };
 
 }  // namespace

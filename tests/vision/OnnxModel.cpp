@@ -23,11 +23,16 @@ std::string text(std::uint64_t field, const std::string& value) {
 // The numbers of the fields are those of onnx.proto.
 
 std::string node(const std::string& kind, const std::vector<std::string>& inputs,
-                 const std::string& output) {
+                 const std::string& output, const std::string& attributes = {}) {
     std::string bytes;
     for (const std::string& input : inputs)
         bytes += text(1, input);
-    return text(1, bytes + text(2, output) + text(3, output + "_by") + text(4, kind));
+    return text(1, bytes + text(2, output) + text(3, output + "_by") + text(4, kind) + attributes);
+}
+
+std::string attribute(const std::string& name, std::uint64_t value) {
+    constexpr std::uint64_t integer = 2;
+    return text(5, text(1, name) + number(3, value) + number(20, integer));
 }
 
 std::string tensor(const std::string& name, std::uint64_t rows, const std::vector<float>& values) {
@@ -51,8 +56,10 @@ std::string valueOf(const std::string& name, const std::vector<std::uint64_t>& s
 OnnxModel& OnnxModel::output(const std::string& name, const std::vector<float>& values) {
     constexpr std::uint64_t channels = 3;
     // The means of the picture's colours times nothing, plus the values.
-    nodes_ += node("Gemm", {"means", name + "_factors", name + "_values"}, name);
-    weights_ += tensor(name + "_factors", channels, std::vector<float>(channels * values.size()));
+    nodes_ +=
+        node("Gemm", {"means", name + "_factors", name + "_values"}, name, attribute("transB", 1));
+    weights_ +=
+        tensor(name + "_factors", values.size(), std::vector<float>(channels * values.size()));
     weights_ += tensor(name + "_values", 1, values);
     outputs_ += text(12, valueOf(name, {1, values.size()}));
     return *this;
