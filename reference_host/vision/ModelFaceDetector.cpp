@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cmath>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -107,6 +109,9 @@ public:
         std::vector<Find> finds;
         for (int row = 0; row < rows.rows; ++row) {
             const auto* values = rows.ptr<float>(row);
+            if (!std::all_of(values, values + height + 1,
+                             [](float side) { return std::isfinite(side); }))
+                continue;
             finds.push_back(
                 {{values[left], values[top], values[width], values[height]}, values[score]});
         }

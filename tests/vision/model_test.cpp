@@ -21,7 +21,9 @@ constexpr std::size_t places = 19200 + 3200 + 800 + 300;
 /// its centre lies at 288, 288.
 constexpr std::size_t middlePlace = 19200 + 3200 + 800 + (4 * 10 + 4) * 3 + 2;
 
-OnnxModel modelThatSeesFacesAt(const std::vector<std::size_t>& seen) {
+/// A model that is sure of a face at each place of `seen`, each of whose values is `offset`: with 0
+/// the face is exactly where OpenCV looks.
+OnnxModel modelThatSeesFacesAt(const std::vector<std::size_t>& seen, float offset = 0) {
     std::vector<float> confidence(places * 2);
     std::vector<float> overlaps(places);
     for (const std::size_t place : seen) {
@@ -29,7 +31,7 @@ OnnxModel modelThatSeesFacesAt(const std::vector<std::size_t>& seen) {
         overlaps[place] = 1;
     }
     return OnnxModel()
-        .output("loc", std::vector<float>(places * 14))
+        .output("loc", std::vector<float>(places * 14, offset))
         .output("conf", confidence)
         .output("iou", overlaps);
 }
@@ -94,6 +96,12 @@ TEST_F(FaceModel, OneDetectorTakesPicturesOfAllSizes) {
 TEST_F(FaceModel, ModelThatSeesNothingFindsNothing) {
     const auto detector = makeFaceDetector(write(modelThatSeesFacesAt({}).bytes()));
     EXPECT_TRUE(detector->detect(Drawing(640, 360, 128).face(300, 180, 120).picture()).empty());
+}
+
+TEST_F(FaceModel, BoundlessFaceIsLeftOut) {
+    const auto detector =
+        makeFaceDetector(write(modelThatSeesFacesAt({middlePlace}, 1e30F).bytes()));
+    EXPECT_TRUE(detector->detect(Drawing(640, 640, 128).picture()).empty());
 }
 
 TEST_F(FaceModel, MissingFileIsRefused) {
