@@ -18,6 +18,10 @@ namespace {
 /// Smaller faces have too few pixels to be told from chance.
 constexpr int smallestCandidatePx = 30;
 
+/// A cascade answers in many windows around a face and around much else; those that nothing beside
+/// them agrees with are chance. It need not be more, since no cascade decides alone.
+constexpr int neighbours = 1;
+
 /// The size to which a candidate is scaled before it is examined: larger than the smallest face
 /// that can be confirmed, since a face is often found smaller than its candidate.
 constexpr int examinedPx = HogFaces::smallestPx * 5 / 4;
@@ -33,11 +37,11 @@ constexpr double smoothing = 1;
 /// draw their boxes differently.
 constexpr double sameFaceOverlap = 0.3;
 
-/// What the second detector scores beyond this is a face. Most faces score 1 to 2; on what is none
-/// the second detector alone has been seen to reach 0.98, on the drawn head of an animal.
-constexpr double surely = 1.0;
+/// What the second detector scores beyond this is a face. Most faces score 1 to 2.
+constexpr double surely = 0.7;
 
-/// From here to `surely` a third detector decides. Lower, little is found but hands and folds.
+/// From here to `surely` a third detector decides: tilted, dark and blurred faces score so low, and
+/// so do the faces of drawn animals. Lower, little is found but hands and folds.
 constexpr double perhaps = -0.2;
 
 /// The part of a picture around a candidate, scaled so that all candidates have the same size.
@@ -73,7 +77,7 @@ public:
     std::vector<KOR::KorRect> detect(const Picture& picture) override try {
         const cv::Mat brightness = brightnessMatrix(picture);
         std::vector<Find> faces;
-        for (const Box& candidate : first_.find(brightness, smallestCandidatePx, 1)) {
+        for (const Box& candidate : first_.find(brightness, smallestCandidatePx, neighbours)) {
             const std::vector<Find> found = confirmed(candidate, brightness);
             faces.insert(faces.end(), found.begin(), found.end());
         }
@@ -98,7 +102,7 @@ private:
     }
 
     bool thirdAgrees(const Box& face, const cv::Mat& picture) {
-        const std::vector<Box> places = third_.find(picture, examinedPx / 2, 0);
+        const std::vector<Box> places = third_.find(picture, examinedPx / 2, neighbours);
         return std::any_of(places.begin(), places.end(), [&face](const Box& place) {
             return overlap(place, face) >= sameFaceOverlap;
         });
