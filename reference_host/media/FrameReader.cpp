@@ -32,8 +32,6 @@ const AVFrame* FrameReader::next() {
         if (const AVFrame* frame = decoder_.receive()) {
             timestamp_ = clock_.timestampOf(*frame);
             awaited_.meet(timestamp_);
-            // What is shown before the frame where decoding began may lack what it is made from.
-            if (start_ && timestamp_ < *start_) continue;
             return frame;
         }
         if (atEnd_) {
@@ -53,7 +51,6 @@ bool FrameReader::startAt(std::int64_t timestamp, std::int64_t from) {
     decoder_.forget();
     awaited_ = {};
     atEnd_ = false;
-    start_ = timestamp;
     if (!container_.seek(from)) return false;
     while (!stop_.stop_requested() && container_.read(*packet_)) {
         if ((packet_->flags & AV_PKT_FLAG_KEY) == 0 || packet_->pts < timestamp) continue;

@@ -33,10 +33,10 @@ public:
     /// was returned, or before the end where that was met, and did not come.
     std::optional<std::int64_t> missed() const { return awaited_.firstMissed(); }
 
-    /// Goes to the key frame at `timestamp`, so that next() gives that frame and what follows it.
-    /// The file is entered at the place that it names for `from`, which is no later; what lies
-    /// between is read but not decoded. False where the key frame is not met: the next frame can
-    /// then be any one.
+    /// Goes to the key frame at `timestamp`, so that next() gives that frame; frames
+    /// that are shown before it, but stored behind it, may come first. The file is entered at the
+    /// place that it names for `from`, which is no later; what lies between is read but not
+    /// decoded. False where the key frame is not met: the next frame can then be any one.
     bool startAt(std::int64_t timestamp, std::int64_t from);
 
     /// Returns how wide a pixel of `frame` is in proportion to its height: as the container has it,
@@ -63,8 +63,6 @@ private:
     AvPointer<AVPacket> packet_;
     AwaitedFrames awaited_;
     std::int64_t timestamp_ = 0;
-    /// Where reading started last, if that was not the file's beginning.
-    std::optional<std::int64_t> start_;
     /// What the bytes of the first packet say, which is the whole file for a photo.
     std::optional<Orientation> ofBytes_;
     bool atEnd_ = false;

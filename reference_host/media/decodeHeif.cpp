@@ -97,7 +97,34 @@ void requireSensibleSize(const heif_image_handle& handle) {
                                                      std::to_string(maxPictureBytes) + " bytes)");
 }
 
-std::vector<std::uint8_t> asPpm(const heif_image& image) {
+void append(std::vector<std::uint8_t>& bytes, std::size_t number, int size) {
+    for (int i = 0; i < size; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(number >> (8 * i) & 0xff));
+}
+
+/// Begins a BMP file whose rows follow from top to bottom.
+std::vector<std::uint8_t> bmpHead(int width, int height, std::size_t pictureBytes) {
+    constexpr std::size_t headerBytes = 14 + 40;
+    std::vector<std::uint8_t> head{'B', 'M'};
+    head.reserve(headerBytes + pictureBytes);
+    append(head, headerBytes + pictureBytes, 4);
+    append(head, 0, 4);
+    append(head, headerBytes, 4);
+    append(head, 40, 4);
+    append(head, static_cast<std::size_t>(width), 4);
+    // Below 0: not upside down, as is usual.
+    append(head, static_cast<std::size_t>(-std::int64_t{height}), 4);
+    append(head, 1, 2);
+    append(head, 8 * bytesPerPixel, 2);
+    append(head, 0, 4);
+    append(head, pictureBytes, 4);
+    // No resolution and no palette.
+    for (int i = 0; i < 4; ++i)
+        append(head, 0, 4);
+    return head;
+}
+
+std::vector<std::uint8_t> asBmp(const heif_image& image) {
     int stride = 0;
     const std::uint8_t* rows =
         heif_image_get_plane_readonly(&image, heif_channel_interleaved, &stride);
@@ -105,17 +132,18 @@ std::vector<std::uint8_t> asPpm(const heif_image& image) {
     const int height = heif_image_get_height(&image, heif_channel_interleaved);
     if (rows == nullptr || width <= 0 || height <= 0) throw MediaError("it holds no picture");
 
-    const std::string head =
-        "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
-    const auto rowBytes = static_cast<std::size_t>(width * bytesPerPixel);
-    std::vector<std::uint8_t> ppm;
-    ppm.reserve(head.size() + rowBytes * static_cast<std::size_t>(height));
-    ppm.insert(ppm.end(), head.begin(), head.end());
+    // Rows take multiples of four bytes.
+    const std::size_t rowBytes = (static_cast<std::size_t>(width) * bytesPerPixel + 3) / 4 * 4;
+    std::vector<std::uint8_t> bmp =
+        bmpHead(width, height, rowBytes * static_cast<std::size_t>(height));
     for (int y = 0; y < height; ++y) {
-        const std::uint8_t* row = rows + std::ptrdiff_t{y} * stride;
-        ppm.insert(ppm.end(), row, row + rowBytes);
+        const std::uint8_t* pixel = rows + std::ptrdiff_t{y} * stride;
+        const std::size_t end = bmp.size() + rowBytes;
+        for (int x = 0; x < width; ++x, pixel += bytesPerPixel)
+            bmp.insert(bmp.end(), {pixel[2], pixel[1], pixel[0]});
+        bmp.resize(end);
     }
-    return ppm;
+    return bmp;
 }
 
 }  // namespace
@@ -136,7 +164,7 @@ std::optional<std::vector<std::uint8_t>> decodeHeif(const ByteSource& file) {
     require(heif_decode_image(handle, &image, heif_colorspace_RGB, heif_chroma_interleaved_RGB,
                               nullptr));
     const HeifPointer<const heif_image> decoded(image);
-    return asPpm(*decoded);
+    return asBmp(*decoded);
 }
 
 }  // namespace reference_host::media

@@ -147,7 +147,7 @@ TEST(Photo, IsReadFromHeifAndAvif) {
     GTEST_SKIP() << "built without libheif";
 #endif
     const FootageFiles files;
-    const auto png = files.make("a.png", quarters());
+    const auto png = files.make("a.png", quarters("66x50"));
     for (const auto& [name, options] : {std::pair{"a.heic", ""}, {"a.avif", "-A"}}) {
         SCOPED_TRACE(name);
         const auto file = heifOf(files, png, name, options);
