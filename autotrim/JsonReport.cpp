@@ -58,6 +58,8 @@ void write(Writer& writer, const Record& record) {
     for (const double value : record.faceRectOfPhoto)
         write(writer, value);
     writer.EndArray();
+    writer.Key("faces");
+    record.faces ? writer.Int(*record.faces) : writer.Null();
     writer.EndObject();
 }
 

@@ -1,6 +1,8 @@
 #include "autotrim/Materials.h"
 
+#include <algorithm>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -31,7 +33,8 @@ Record recordOf(const KOR::MaterialAnalysisResult& result) {
             result.begin,
             result.end,
             result.posOfMaxScore,
-            {face.x, face.y, face.width, face.height}};
+            {face.x, face.y, face.width, face.height},
+            std::nullopt};
 }
 
 /// Takes the records out of the component. Which material each is of shows in its media pointer:
@@ -50,6 +53,25 @@ RecordsOfMedia takeRecords(KOR::IKorMaterialAnalysis& component) {
         result->media->release();
     }
     return records;
+}
+
+void countFaces(std::vector<Record>& records, KOR::IDmBaseObj& material) {
+    for (Record& record : records)
+        record.faces = reference_host::facesAt(material, record.posOfMaxScore);
+}
+
+bool findFaces(const Kinds& kinds) {
+    return std::any_of(kinds.begin(), kinds.end(), [](std::int32_t kind) {
+        return kind == KOR::analysisKindFace || kind == KOR::analysisKindFaceAndEntropy;
+    });
+}
+
+/// Whether a run by `options` is to look for faces in a photo, has given it its record before that,
+/// and has not looked yet.
+bool awaitsFaces(const FileReport& report, const Options& options) {
+    const bool isWanted = options.photos && findFaces(options.kinds);
+    return isWanted && report.type == MaterialType::photo && !report.results.empty() &&
+           !report.results.front().faces;
 }
 
 /// Whether the material has a cache and its records are not there. A file that is there and cannot
@@ -115,7 +137,7 @@ std::size_t Materials::latestBegun() const {
 }
 
 std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
-                                           std::int32_t minLengthSeconds) const {
+                                           const Options& options) const {
     RecordsOfMedia records = takeRecords(component);
     std::vector<FileReport> reports(entries_.size());
     // From the last to the first, as a run that has touched a material has passed those before it.
@@ -126,9 +148,15 @@ std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component,
         if (!entry.object) continue;
         const auto facts = reference_host::reportOf(*entry.object);
         reports[i].results = std::move(records[entry.media]);
+        countFaces(reports[i].results, *entry.object);
         const bool hasRecords = !reports[i].results.empty();
-        decideOutcome(reports[i], {facts.analysed, hasRecords, passed, facts.failure}, end,
-                      minLengthSeconds);
+        decideOutcome(reports[i],
+                      {.analysed = facts.analysed,
+                       .hasRecords = hasRecords,
+                       .awaitsFaces = awaitsFaces(reports[i], options),
+                       .passed = passed,
+                       .failure = facts.failure},
+                      end, options.minLengthSeconds);
         passed = passed || facts.analysed || hasRecords;
     }
     return reports;
@@ -147,8 +175,9 @@ std::vector<Materials::Warning> Materials::warnings() const {
 
 bool Materials::allKept(const std::vector<FileReport>& reports) const {
     for (std::size_t i = 0; i < entries_.size(); ++i) {
-        const bool analysed = reports[i].outcome == Outcome::analysed;
-        if (analysed && lacksKeptRecords(*entries_[i].object)) return false;
+        const bool analysedVideo =
+            reports[i].outcome == Outcome::analysed && reports[i].type == MaterialType::video;
+        if (analysedVideo && lacksKeptRecords(*entries_[i].object)) return false;
     }
     return true;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "autotrim/Options.h"
 #include "autotrim/Outcome.h"
 #include "autotrim/Owned.h"
 #include "autotrim/Report.h"
@@ -35,9 +36,9 @@ public:
     /// Returns the index of the file that was last begun with, materials or not; 0 before that.
     std::size_t latestBegun() const;
 
-    /// Returns what has become of each file.
+    /// Returns what has become of each file in a run by `options`.
     std::vector<FileReport> reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
-                                    std::int32_t minLengthSeconds) const;
+                                    const Options& options) const;
 
     /// What was wrong with a file that could be used all the same.
     struct Warning {
@@ -46,8 +47,8 @@ public:
     };
     std::vector<Warning> warnings() const;
 
-    /// Whether the records of every material that `reports`, as returned by reports(), calls
-    /// analysed are kept in its cache, or it has none.
+    /// Whether the records of every video that `reports`, as returned by reports(), calls analysed
+    /// are kept in its cache, or it has none. Those of photos never are.
     bool allKept(const std::vector<FileReport>& reports) const;
 
 private:

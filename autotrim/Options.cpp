@@ -17,7 +17,7 @@ namespace autotrim {
 namespace {
 
 constexpr const char* description =
-    "Finds the scenes of videos and the best keyframe of each, and prints them as auto-trim "
+    "Finds the scenes of videos, the best keyframe of each, and faces, and prints auto-trim "
     "records.";
 
 constexpr const char* exitCodes =
@@ -87,20 +87,26 @@ std::string unguarded(const std::string& argument) {
     return argument.rfind(guard, 0) == 0 ? argument.substr(1) : argument;
 }
 
-/// Returns the option of which `argument` says that it has a value and gives none ("--json="), for
-/// which CLI11 would take the argument behind it; empty when it is something else.
-std::string optionWithoutValue(const std::string& argument) {
-    const bool isOption = argument.rfind("--", 0) == 0;
-    if (!isOption || argument.find('=') != argument.size() - 1) return {};
-    return argument.substr(0, argument.size() - 1);
+/// Throws when `argument` is an option that takes no value, with a "=", or one whose "=" is its end
+/// ("--json="): CLI11 would take the argument behind it for the value.
+void requireValueWhereItBelongs(const CLI::App& app, const std::string& argument) {
+    const std::size_t equalsSign = argument.find('=');
+    if (argument.rfind("--", 0) != 0 || equalsSign == std::string::npos) return;
+    const std::string name = argument.substr(0, equalsSign);
+    const CLI::Option* const option = app.get_option_no_throw(name);
+    if (option != nullptr && option->get_items_expected_max() == 0) {
+        throw CLI::ValidationError(name, "it takes no value");
+    }
+    if (equalsSign == argument.size() - 1) {
+        throw CLI::ValidationError(name, "no value follows the \"=\"");
+    }
 }
 
-/// Throws when an argument before "--" lacks its value.
-void requireValues(const std::vector<std::string>& arguments) {
+/// Throws when the "=" of an argument before "--" is wrong.
+void requireValues(const CLI::App& app, const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         if (argument == "--") return;
-        const std::string option = optionWithoutValue(argument);
-        if (!option.empty()) throw CLI::ValidationError(option, "no value follows the \"=\"");
+        requireValueWhereItBelongs(app, argument);
     }
 }
 
@@ -130,7 +136,8 @@ std::filesystem::path defaultCacheRoot(const Environment& environment) {
 
 void addOptions(CLI::App& app, Options& options) {
     addOption(app, "--kinds", options.kinds, parseUsableKinds,
-              "Analyses in order, each 1 to 7: 4 scenes, 3 keyframes, 6 both in one (default 4,3)")
+              "Analyses in order: 1 faces, 2 blur, 3 keyframes, 4 scenes, 5 entropy, 6 both 4 and "
+              "3, 7 both 1 and 5 (default 6,7)")
         ->type_name("LIST");
     addOption(app, "--min-scene", options.minSceneSeconds, parseSeconds,
               "Drop scenes shorter than this many whole seconds (default 2)")
@@ -141,6 +148,10 @@ void addOptions(CLI::App& app, Options& options) {
     addOption(app, "--threshold", options.threshold, parseThreshold,
               "How far a change of scene stands out, above 0; lower finds more (default 3.0)")
         ->type_name("X");
+    app.add_flag("--photos", options.photos, "Look for faces in photos, too");
+    addOption(app, "--face-model", options.faceModel, nonEmptyName,
+              "Find faces by this model (ONNX) for OpenCV's FaceDetectorYN")
+        ->type_name("FILE");
     addOption(app, "--cache", options.cacheRoot, nonEmptyName,
               "Keep results below DIR, a folder for each material (default: autotrim in your cache "
               "directory)")
@@ -155,9 +166,25 @@ void addOptions(CLI::App& app, Options& options) {
         ->type_name("FILE");
 }
 
+/// Returns the option that takes one value and was given several; empty when there is none.
+std::string repeatedOption(const CLI::App& app) {
+    for (const CLI::Option* const option : app.get_options()) {
+        if (option->get_items_expected_max() == 1 && option->count() > 1) {
+            return option->get_name();
+        }
+    }
+    return {};
+}
+
+std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string repeated = repeatedOption(app);
+    const bool tooMany = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
+    return tooMany && !repeated.empty() ? repeated + ": given more than once" : error.what();
+}
+
 Answer answerTo(const CLI::App& app, const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) {
-        return {exitWrongUse, "autotrim: " + printable(error.what()) +
+        return {exitWrongUse, "autotrim: " + printable(reasonOf(app, error)) +
                                   "\nRun \"autotrim --help\" for how it is used.\n"};
     }
     std::ostringstream out;
@@ -181,7 +208,7 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     files->description("Videos and photos")->type_name("")->expected(1, -1)->allow_extra_args();
 
     try {
-        requireValues(arguments);
+        requireValues(app, arguments);
         // CLI11 takes the arguments from the back.
         std::vector<std::string> stack(arguments.size());
         std::transform(arguments.rbegin(), arguments.rend(), stack.begin(), guarded);

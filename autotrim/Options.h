@@ -21,12 +21,14 @@ enum class ProgressStyle {
 /// What the command line asks for.
 struct Options {
     std::vector<std::string> files;  ///< as given; at least one
-    Kinds kinds = {4, 3};
+    Kinds kinds = {6, 7};
     std::int32_t minSceneSeconds = 2;   ///< 0 or more
     std::int32_t minLengthSeconds = 2;  ///< 0 or more
     double threshold = 3.0;             ///< finite, above 0
     std::filesystem::path cacheRoot;    ///< empty: nothing is kept
-    std::optional<std::string> json;    ///< a file's name, or jsonToStdout
+    bool photos = false;                ///< whether photos are analysed, too
+    std::optional<std::filesystem::path> faceModel;
+    std::optional<std::string> json;  ///< a file's name, or jsonToStdout
     ProgressStyle progress = ProgressStyle::automatic;
     std::optional<std::filesystem::path> log;
 };

@@ -7,7 +7,7 @@ namespace {
 
 std::string whyFailed(const Traces& traces, RunEnd end) {
     if (!traces.failure.empty()) return traces.failure;
-    if (traces.hasRecords || traces.passed) return {};
+    if (traces.passed || (traces.hasRecords && !traces.awaitsFaces)) return {};
     return end == RunEnd::interrupted ? interruptedReason : "the analysis stopped before its end";
 }
 

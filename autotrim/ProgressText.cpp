@@ -25,6 +25,18 @@ constexpr std::size_t widestBar = 30;
 constexpr std::size_t narrowestBar = 8;
 /// What a name needs to be told from others.
 constexpr std::size_t shortestName = 12;
+/// The percentage with a time of up to an hour: the bar leaves room for it before it is known, so
+/// that its length does not change.
+constexpr std::size_t numbersColumns = std::string_view("100%  59:59 left").size();
+/// The bar's two brackets and a blank after it.
+constexpr std::size_t frameColumns = 3;
+
+/// Returns how many cells a bar has in a line of `columns`; 0 where there is no room for one.
+std::size_t cellsIn(std::size_t columns) {
+    constexpr std::size_t besideBar = numbersColumns + frameColumns + shortestName;
+    if (columns < besideBar + narrowestBar) return 0;
+    return std::min(widestBar, columns - besideBar);
+}
 
 std::string bar(int percent, std::size_t cells) {
     const std::size_t done = cells * static_cast<std::size_t>(percent) / 100;
@@ -48,20 +60,14 @@ std::string placedName(const Progress& progress, std::size_t columns) {
 std::string progressBar(const Progress& progress, std::optional<std::chrono::seconds> left,
                         std::size_t columns) {
     const int percent = std::clamp(progress.percent, 0, 100);
-    std::string numbers = fmt::format("{:3}%", percent);
-    if (left) numbers += fmt::format("  {} left", shortTime(*left));
-    if (numbers.size() > columns) return fmt::format("{:3}%", percent).substr(0, columns);
+    const std::size_t cells = cellsIn(columns);
+    std::string line = cells == 0 ? "" : bar(percent, cells) + " ";
+    line += fmt::format("{:3}%", percent);
+    if (line.size() > columns) return line.substr(0, columns);
 
-    std::size_t room = columns - numbers.size();
-
-    std::string line;
-    constexpr std::size_t frame = 3;  // the bar's two brackets and a blank after it
-    if (room >= frame + narrowestBar + shortestName) {
-        const std::size_t cells = std::min(widestBar, room - frame - shortestName);
-        line = bar(percent, cells) + " ";
-        room -= frame + cells;
-    }
-    line += numbers;
+    const std::string time = left ? fmt::format("  {} left", shortTime(*left)) : "";
+    if (line.size() + time.size() <= columns) line += time;
+    const std::size_t room = columns - line.size();
     constexpr std::size_t gap = 2;
     if (room >= gap + shortestName) return line + "  " + placedName(progress, room - gap);
     const std::string place = placeOf(progress);

@@ -13,10 +13,11 @@ namespace autotrim {
 /// One auto-trim record: a segment of a material, and its best keyframe.
 struct Record {
     double score = 0;
-    std::int64_t begin = 0;          ///< ticks
-    std::int64_t end = 0;            ///< ticks
-    std::int64_t posOfMaxScore = 0;  ///< ticks
-    std::array<double, 4> faceRectOfPhoto = {};
+    std::int64_t begin = 0;                      ///< ticks
+    std::int64_t end = 0;                        ///< ticks
+    std::int64_t posOfMaxScore = 0;              ///< ticks
+    std::array<double, 4> faceRectOfPhoto = {};  ///< x, y, width, height; fractions
+    std::optional<std::int32_t> faces;           ///< at posOfMaxScore; unset: none looked for
 };
 
 enum class MaterialType { video, photo };
@@ -25,7 +26,7 @@ enum class MaterialType { video, photo };
 enum class Outcome {
     analysed,   ///< a task ran
     restored,   ///< from the cache
-    byDefault,  ///< neither: a photo, or a video too short to analyse
+    byDefault,  ///< neither: a photo that is kept whole, or a video too short to analyse
     failed,     ///< there are none
 };
 

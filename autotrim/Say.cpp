@@ -13,7 +13,8 @@ void say(std::string_view text) {
 }
 
 void say(std::string_view file, std::string_view text) {
-    say(std::string(file).append(": ").append(text));
+    // An empty name would not show.
+    say(std::string(file.empty() ? "\"\"" : file).append(": ").append(text));
 }
 
 }  // namespace autotrim

@@ -58,6 +58,7 @@ void configure(KOR::IKorMaterialAnalysis& component, const ComponentLibrary& lib
     setParameter(component, library, "minScenceDuration", valueOf(options.minSceneSeconds));
     setParameter(component, library, "minNeedAnalysisDuartion", valueOf(options.minLengthSeconds));
     setParameter(component, library, "scenceDetectionThreshold", valueOf(options.threshold));
+    setParameter(component, library, "photoNeedAnalysis", valueOf(options.photos ? 1 : 0));
     const Owned<KOR::IKORIntList> kinds(createKORIntList());
     for (const std::int32_t kind : options.kinds)
         require(kinds->append(kind), "the kinds");
@@ -101,7 +102,7 @@ Report analyse(const Options& options, RunMonitor& monitor, ProgressDisplay& dis
     const RunEnd end = run(*component, materials, options, monitor, display);
     display.clear();
 
-    Report report{options.kinds, materials.reports(*component, end, options.minLengthSeconds)};
+    Report report{options.kinds, materials.reports(*component, end, options)};
     tellTroubles(report, materials, end);
     if (!materials.allKept(report.files)) {
         say(options.cacheRoot.string(), "warning: results could not be kept in this directory");

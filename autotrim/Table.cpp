@@ -34,6 +34,43 @@ std::string heading(const FileReport& report) {
     return text.append("  (").append(sourceOfRecords(report)).append(")\n");
 }
 
+bool tellsOfFaces(const FileReport& report) {
+    return std::any_of(report.results.begin(), report.results.end(),
+                       [](const Record& record) { return record.faces.has_value(); });
+}
+
+std::string facesOf(const Record& record) {
+    return record.faces ? std::to_string(*record.faces) : "-";
+}
+
+/// Returns what was found in a photo; nothing where nothing was looked for.
+std::string facesOfPhoto(const FileReport& report) {
+    if (!tellsOfFaces(report)) return {};
+    const Record& record = report.results.front();
+    if (record.faces == 0) return "  no face\n";
+    std::string text = "  faces    left     top   width  height\n";
+    text += fmt::format("  {:>5}", facesOf(record));
+    for (const double fraction : record.faceRectOfPhoto)
+        text += fmt::format("  {:>5.1f}%", fraction * 100);
+    return text + (record.faces > 1 ? "  (the largest)\n" : "\n");
+}
+
+std::string scenesOfVideo(const FileReport& report) {
+    if (report.results.empty()) return "  no scene was kept\n";
+    const bool withFaces = tellsOfFaces(report);
+    std::string text = fmt::format("  {:>5}  {:<12}    {:<12}  {:<13}  {}{}\n", "scene", "begin",
+                                   "end", "best keyframe", " score", withFaces ? "  faces" : "");
+    int number = 0;
+    for (const Record& record : report.results) {
+        text += fmt::format("  {:>5}  {:<12}  - {:<12}  {:<13}  {:>6.3f}", ++number,
+                            timeCode(record.begin), timeCode(record.end),
+                            timeCode(record.posOfMaxScore), record.score);
+        if (withFaces) text += fmt::format("  {:>5}", facesOf(record));
+        text += '\n';
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string timeCode(std::int64_t ticks) {
@@ -53,19 +90,8 @@ std::string timeCode(std::int64_t ticks) {
 
 std::string toTable(const FileReport& report) {
     if (report.outcome == Outcome::failed) return {};
-    std::string text = heading(report);
-    if (report.type == MaterialType::photo) return text;
-    if (report.results.empty()) return text + "  no scene was kept\n";
-
-    text += fmt::format("  {:>5}  {:<12}    {:<12}  {:<13}  {}\n", "scene", "begin", "end",
-                        "best keyframe", " score");
-    int number = 0;
-    for (const Record& record : report.results) {
-        text += fmt::format("  {:>5}  {:<12}  - {:<12}  {:<13}  {:>6.3f}\n", ++number,
-                            timeCode(record.begin), timeCode(record.end),
-                            timeCode(record.posOfMaxScore), record.score);
-    }
-    return text;
+    return heading(report) +
+           (report.type == MaterialType::photo ? facesOfPhoto(report) : scenesOfVideo(report));
 }
 
 }  // namespace autotrim

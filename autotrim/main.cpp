@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <variant>
@@ -41,14 +42,30 @@ bool isSamePlace(const std::string& file, const std::string& other) {
     return isSameFile(file, other) || place == std::filesystem::weakly_canonical(other, unknown);
 }
 
+bool isOverwritten(const std::string& file, const Options& options) {
+    const bool byJson =
+        options.json && *options.json != jsonToStdout && isSameFile(file, *options.json);
+    return byJson || (options.log && isSameFile(file, *options.log));
+}
+
 /// Returns a file that a result of the same run would overwrite; empty when there is none.
 std::string fileInDanger(const Options& options) {
     for (const std::string& file : options.files) {
-        const bool byJson =
-            options.json && *options.json != jsonToStdout && isSameFile(file, *options.json);
-        if (byJson || (options.log && isSameFile(file, *options.log))) return file;
+        if (isOverwritten(file, options)) return file;
     }
-    return {};
+    const bool modelInDanger = options.faceModel && isOverwritten(*options.faceModel, options);
+    return modelInDanger ? options.faceModel->string() : std::string();
+}
+
+/// False, and said, when the model is of no use.
+bool takeFaceModel(const std::filesystem::path& model) {
+    try {
+        reference_host::useFaceModel(model);
+        return true;
+    } catch (const std::runtime_error& error) {
+        say(error.what());
+        return false;
+    }
 }
 
 void printTables(const Report& report) {
@@ -72,10 +89,11 @@ int run(const Options& options) {
     RunMonitor monitor;
     InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
 
+    if (options.log) reference_host::openLog(*options.log);
+    if (options.faceModel && !takeFaceModel(*options.faceModel)) return exitWrongUse;
     const bool jsonOnly = options.json == jsonToStdout;
     std::optional<ResultFile> jsonFile;
     if (options.json && !jsonOnly) jsonFile.emplace(*options.json);
-    if (options.log) reference_host::openLog(*options.log);
 
     const auto display = makeProgressDisplay(options.progress);
     interruptWatch.beginWork();
@@ -100,7 +118,7 @@ int start(const std::vector<std::string>& arguments) {
     const auto& options = std::get<Options>(parsed);
     const std::string inDanger = fileInDanger(options);
     if (!inDanger.empty()) {
-        say(inDanger, "the file to be analysed would be overwritten");
+        say(inDanger, "the file would be overwritten by this run");
         return exitWrongUse;
     }
     if (options.json && options.log && isSamePlace(*options.json, options.log->string())) {

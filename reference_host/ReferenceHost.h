@@ -47,7 +47,7 @@ struct MaterialReport {
 MaterialReport reportOf(KOR::IDmBaseObj& material);
 
 /// Returns how many faces the last face detection on `material`, which importMaterial made, found
-/// in the picture at `positionTicks`; none where it did not look there.
+/// in the picture at `positionTicks`; none where it did not look there, or could not.
 std::optional<std::int32_t> facesAt(KOR::IDmBaseObj& material, std::int64_t positionTicks);
 
 /// Has faces found by `model`, a model for OpenCV's FaceDetectorYN (ONNX), from the next analysis

@@ -32,6 +32,17 @@ MaterialReport Footage::report() const {
     return report_;
 }
 
+void Footage::noteFaces(FaceCounts counts) {
+    const std::scoped_lock lock(mutex_);
+    faceCounts_ = std::move(counts);
+}
+
+std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {
+    const std::scoped_lock lock(mutex_);
+    const auto found = faceCounts_.find(positionTicks);
+    return found == faceCounts_.end() ? std::nullopt : std::optional(found->second);
+}
+
 std::shared_ptr<const scenes::FootageRecord> Footage::record() const {
     const std::scoped_lock lock(mutex_);
     return record_;

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "reference_host/ReferenceHost.h"
 #include "reference_host/media/FootageFacts.h"
@@ -35,6 +39,16 @@ public:
 
     MaterialReport report() const;
 
+    /// How many faces there are in pictures, by their positions in ticks.
+    using FaceCounts = std::map<std::int64_t, std::int32_t>;
+
+    /// Takes what a face detection has counted, in the place of an earlier one.
+    void noteFaces(FaceCounts counts);
+
+    /// Returns how many faces the last detection found in the picture at `positionTicks`; none
+    /// where it did not look there.
+    std::optional<std::int32_t> facesAt(std::int64_t positionTicks) const;
+
     /// The record of the last complete decode, or null. It spares a task that looks for keyframes
     /// in known scenes another decode.
     std::shared_ptr<const scenes::FootageRecord> record() const;
@@ -47,6 +61,7 @@ private:
     std::atomic<bool> failed_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
+    FaceCounts faceCounts_;
     std::shared_ptr<const scenes::FootageRecord> record_;
 };
 

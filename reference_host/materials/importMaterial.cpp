@@ -32,4 +32,9 @@ MaterialReport reportOf(KOR::IDmBaseObj& material) {
     return known == nullptr ? MaterialReport{} : known->footage().report();
 }
 
+std::optional<std::int32_t> facesAt(KOR::IDmBaseObj& material, std::int64_t positionTicks) {
+    const auto* known = dynamic_cast<const Material*>(&material);
+    return known == nullptr ? std::nullopt : known->footage().facesAt(positionTicks);
+}
+
 }  // namespace reference_host

@@ -9,6 +9,7 @@
 #include "reference_host/media/Limits.h"
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/Messages.h"
+#include "reference_host/media/openSource.h"
 
 namespace reference_host::media {
 namespace {
@@ -72,7 +73,7 @@ std::pair<bool, std::int64_t> rankOf(const AVStream& stream) {
 }  // namespace
 
 Container::Container(const std::filesystem::path& path, std::stop_token stop)
-    : stop_(std::move(stop)), file_(path) {
+    : stop_(std::move(stop)), source_(openSource(path)) {
     routeMessages();
     open();
     inspectStreams();
@@ -161,7 +162,7 @@ int Container::readBytes(void* self, std::uint8_t* buffer, int size) {
     auto& container = *static_cast<Container*>(self);
     if (container.stop_.stop_requested()) return AVERROR_EXIT;
     const std::ptrdiff_t got =
-        container.file_.readAt(container.offset_, buffer, static_cast<std::size_t>(size));
+        container.source_->readAt(container.offset_, buffer, static_cast<std::size_t>(size));
     if (got == 0) return AVERROR_EOF;
     if (got > 0) container.offset_ += got;
     // FFmpeg's error codes are negative errno values.
@@ -170,7 +171,7 @@ int Container::readBytes(void* self, std::uint8_t* buffer, int size) {
 
 std::int64_t Container::seekBytes(void* self, std::int64_t offset, int whence) {
     auto& container = *static_cast<Container*>(self);
-    const std::int64_t size = container.file_.sizeBytes();
+    const std::int64_t size = container.source_->sizeBytes();
     std::int64_t base = 0;
     switch (whence & ~AVSEEK_FORCE) {
         case AVSEEK_SIZE:

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <stop_token>
 
 #include "reference_host/media/AvPointers.h"
-#include "reference_host/media/RegularFile.h"
+#include "reference_host/media/ByteSource.h"
 
 namespace reference_host::media {
 
@@ -44,7 +45,7 @@ private:
     void chooseVideo();
 
     std::stop_token stop_;
-    RegularFile file_;
+    std::unique_ptr<ByteSource> source_;
     std::int64_t offset_ = 0;
     AvPointer<AVIOContext> io_;
     AvPointer<AVFormatContext> context_;

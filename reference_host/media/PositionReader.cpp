@@ -178,13 +178,17 @@ private:
     bool isMissing(std::int64_t positionTicks) const {
         if (shown_.positionTicks == positionTicks) return false;
         std::optional<std::int64_t> missed = reader_->missed();
-        // Where a file has become shorter, nothing is announced behind its end.
-        if (!missed && !next_.positionTicks) missed = lastTimestamp_;
+        // Where a file has become shorter, nothing is announced behind its end: not even when the
+        // frame there should be over.
+        const bool isCutOff = !missed && !next_.positionTicks;
+        if (isCutOff) missed = lastTimestamp_;
+        const std::int64_t ordinary = reader_->clock().ordinaryDistance();
         std::int64_t distance = 0;
         if (!missed || __builtin_sub_overflow(*missed, shown_.timestamp, &distance)) return false;
-        const std::optional<std::int64_t> position = reader_->clock().positionOf(*missed, origin_);
-        return distance >= reader_->clock().ordinaryDistance() && position &&
-               *position <= positionTicks;
+        if (distance < ordinary) return false;
+        const std::optional<std::int64_t> position =
+            reader_->clock().positionOf(isCutOff ? shown_.timestamp + ordinary : *missed, origin_);
+        return position && *position <= positionTicks;
     }
 
     /// Fills next_. False at the end.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/tasks.h"
+#include "host/results.h"
 
 namespace reference_host {
 
@@ -11,6 +11,10 @@ namespace reference_host {
 struct AnalysisResults {
     std::vector<KOR::TickRange> scenes;
     std::vector<std::int64_t> keyFramePositionsTicks;
+    // One for each picture that was asked for, in that order.
+    std::vector<KOR::FaceDetectFrame> faces;
+    std::vector<KOR::EntropySample> entropies;
+    std::vector<KOR::BlurSample> blurs;
 };
 
 }  // namespace reference_host

@@ -10,6 +10,7 @@
 
 #include "reference_host/materials/Material.h"
 #include "reference_host/tasks/Workers.h"
+#include "reference_host/tasks/analyse.h"
 
 namespace reference_host {
 namespace {
@@ -195,8 +196,11 @@ KOR::Status AnalysisTask::setSceneRanges(KOR::IKORVoidPtrList* ranges) {
 }
 
 KOR::Status AnalysisTask::setKeyFramePositions(KOR::IKORLonglongList* positions) {
-    // No type that reads the positions computes anything yet.
-    return positions == nullptr ? KOR::statusFailed : KOR::statusOk;
+    if (positions == nullptr) return KOR::statusFailed;
+    preparation_.positionsTicks.clear();
+    for (std::int64_t i = 0; i < positions->count(); ++i)
+        preparation_.positionsTicks.push_back(positions->at(i));
+    return KOR::statusOk;
 }
 
 KOR::Status AnalysisTask::setParameterBlock(std::int32_t type, const void* block) {
@@ -211,11 +215,20 @@ KOR::Status AnalysisTask::getResultList(std::int32_t kind, std::int32_t, KOR::IK
     if (list == nullptr) return KOR::statusFailed;
     const std::shared_ptr<const AnalysisResults> results = channel_->results();
     if (!results) return KOR::statusOk;
-    if (kind == KOR::analysisTypeScene) return appendCopies(results->scenes, *list);
-    if (kind == KOR::analysisTypeKeyFrame) {
-        return appendCopies(results->keyFramePositionsTicks, *list);
+    switch (kind) {
+        case KOR::analysisTypeScene:
+            return appendCopies(results->scenes, *list);
+        case KOR::analysisTypeKeyFrame:
+            return appendCopies(results->keyFramePositionsTicks, *list);
+        case KOR::analysisTypeFace:
+            return appendCopies(results->faces, *list);
+        case KOR::analysisTypeEntropy:
+            return appendCopies(results->entropies, *list);
+        case KOR::analysisTypeBlur:
+            return appendCopies(results->blurs, *list);
+        default:
+            return KOR::statusOk;
     }
-    return KOR::statusOk;
 }
 
 bool AnalysisTask::computes(std::int32_t type) const {
@@ -228,7 +241,11 @@ AnalysisRequest AnalysisTask::request() const {
     request.footage = preparation_.footage;
     request.wantsScenes = computes(KOR::analysisTypeScene);
     request.wantsKeyFrames = computes(KOR::analysisTypeKeyFrame);
+    request.wantsFaces = computes(KOR::analysisTypeFace);
+    request.wantsEntropy = computes(KOR::analysisTypeEntropy);
+    request.wantsBlur = computes(KOR::analysisTypeBlur);
     request.sceneRanges = preparation_.sceneRanges;
+    request.positionsTicks = preparation_.positionsTicks;
     request.sceneParameters = defaultSceneParameters;
     request.keyFrameParameters = defaultKeyFrameParameters;
     if (isExplicit && preparation_.sceneParameters) {

@@ -9,8 +9,8 @@
 
 #include "host/tasks.h"
 #include "reference_host/services/Counted.h"
+#include "reference_host/tasks/AnalysisRequest.h"
 #include "reference_host/tasks/TaskChannel.h"
-#include "reference_host/tasks/analyse.h"
 
 namespace reference_host {
 
@@ -69,6 +69,7 @@ private:
         std::vector<KOR::TickRange> sceneRanges;
         std::optional<KOR::SceneParameters> sceneParameters;
         std::optional<KOR::KeyFrameParameters> keyFrameParameters;
+        std::vector<std::int64_t> positionsTicks;
     };
 
     ~AnalysisTask() override;

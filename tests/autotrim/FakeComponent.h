@@ -7,11 +7,13 @@
 
 namespace autotrim {
 
-/// A component that does what a test tells it in start and stop, and nothing by itself.
+/// A component that does what a test tells it, and nothing by itself.
 class FakeComponent final : public KOR::IKorMaterialAnalysis {
 public:
     std::function<KOR::Status()> onStart = [] { return KOR::statusOk; };
     std::function<void()> onStop = [] {};
+    std::function<KOR::Status(KOR::IKORVoidPtrList*)> onInsert = [](auto*) { return no(); };
+    std::function<KOR::Status(KOR::IKORVoidPtrList*)> onGetResults = [](auto*) { return no(); };
     int stops = 0;
 
     std::size_t listeners() const { return listeners_.size(); }
@@ -59,11 +61,13 @@ public:
     std::uint32_t getPriority() override { return 0; }
     KOR::Status setAnalysisKinds(KOR::IKORIntList*) override { return no(); }
     KOR::Status setIntOption(std::int32_t, std::int32_t) override { return no(); }
-    KOR::Status insertMaterials(KOR::IKORVoidPtrList*, std::int32_t) override { return no(); }
+    KOR::Status insertMaterials(KOR::IKORVoidPtrList* list, std::int32_t) override {
+        return onInsert(list);
+    }
     KOR::Status removeMaterials(KOR::IKORVoidPtrList*) override { return no(); }
     KOR::Status removeMaterialAt(std::int32_t) override { return no(); }
     KOR::Status clearMaterials() override { return no(); }
-    KOR::Status getResults(KOR::IKORVoidPtrList*) override { return no(); }
+    KOR::Status getResults(KOR::IKORVoidPtrList* list) override { return onGetResults(list); }
     KOR::Status setAnalysisParam(const char*, const KOR::KorValue*) override { return no(); }
 
 private:

@@ -15,12 +15,12 @@ FileReport analysedVideo() {
     report.type = MaterialType::video;
     report.duration = 1234;
     report.outcome = Outcome::analysed;
-    report.results = {{0.5, 0, 1, 0, {0, 0, 0, 0}}};
+    report.results = {{0.5, 0, 1, 0, {0, 0, 0, 0}, 2}};
     return report;
 }
 
 Report reportOf(FileReport file) {
-    return {{4, 3}, {std::move(file)}};
+    return {{6, 7}, {std::move(file)}};
 }
 
 nlohmann::ordered_json parsed(const Report& report) {
@@ -34,10 +34,10 @@ nlohmann::ordered_json parsedFile(FileReport file) {
 TEST(JsonReport, HasExactlyTheDocumentedMembersInOrder) {
     EXPECT_EQ(parsed(reportOf(analysedVideo())).dump(),
               "{\"schema\":\"autotrim/1\",\"version\":\"" AUTOTRIM_VERSION
-              "\",\"kinds\":[4,3],\"materials\":[{\"file\":\"clip.mp4\",\"type\":\"video\","
+              "\",\"kinds\":[6,7],\"materials\":[{\"file\":\"clip.mp4\",\"type\":\"video\","
               "\"duration\":1234,\"outcome\":\"analysed\",\"error\":null,\"results\":[{\"score\":"
               "0.5,\"begin\":0,\"end\":1,\"posOfMaxScore\":0,\"faceRectOfPhoto\":"
-              "[0.0,0.0,0.0,0.0]}]}]}");
+              "[0.0,0.0,0.0,0.0],\"faces\":2}]}]}");
 }
 
 TEST(JsonReport, HasNullsForAFileThatFailed) {
@@ -57,6 +57,14 @@ TEST(JsonReport, NamesEveryTypeAndOutcome) {
     report.type = MaterialType::photo;
     EXPECT_EQ(parsedFile(report)["outcome"], "default");
     EXPECT_EQ(parsedFile(report)["type"], "photo");
+}
+
+TEST(JsonReport, TellsNoFacesFromNoneLookedFor) {
+    FileReport report = analysedVideo();
+    report.results[0].faces = 0;
+    EXPECT_EQ(parsedFile(report)["results"][0]["faces"].dump(), "0");
+    report.results[0].faces.reset();
+    EXPECT_EQ(parsedFile(report)["results"][0]["faces"].dump(), "null");
 }
 
 TEST(JsonReport, ReplacesBytesThatAreNotUtf8) {
@@ -80,7 +88,8 @@ TEST(JsonReport, KeepsEveryBitOfNumbers) {
                        std::numeric_limits<std::int64_t>::min(),
                        std::numeric_limits<std::int64_t>::max(),
                        -1,
-                       {0.25, 1e-300, 1.0 / 3, 4}}};
+                       {0.25, 1e-300, 1.0 / 3, 4},
+                       std::nullopt}};
     const auto record = parsedFile(report)["results"][0];
     EXPECT_EQ(record["score"].get<double>(), 0.1 + 0.2);
     EXPECT_EQ(record["begin"].get<std::int64_t>(), std::numeric_limits<std::int64_t>::min());

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "autotrim/Kinds.h"
+#include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
 
 namespace autotrim {
 namespace {
@@ -63,10 +64,38 @@ TEST(Kinds, RefusesWhatNeedsKeyFramesTooEarly) {
 }
 
 TEST(Kinds, AcceptsListsThatGiveRecords) {
-    for (const char* text : {"4,3", "4,3,1", "4,3,5", "4,3,7", "4,2,3", "2,4,3", "4,4,3", "4,3,3",
-                             "6,1", "2,6", "4,6", "6,3", "6,4", "4,3,1,5", "6,6"}) {
+    for (const char* text :
+         {"4,3", "4,3,1", "4,3,5", "4,3,7",   "4,2,3", "2,4,3", "4,4,3", "4,3,3", "6,1", "2,6",
+          "4,6", "6,3",   "6,4",   "4,3,1,5", "6,6",   "6,7",   "6,2",   "4,3,2", "6,5", "6,7,1"}) {
         EXPECT_EQ(reasonOf(text), "") << text;
     }
+}
+
+/// Calls `check` with every list of `length` kinds.
+template <typename Check>
+void forEveryList(std::size_t length, Check check) {
+    Kinds kinds(length, KOR::analysisKindFace);
+    for (;;) {
+        check(kinds);
+        std::size_t last = length;
+        while (last > 0 && kinds[last - 1] == KOR::analysisKindFaceAndEntropy)
+            kinds[--last] = KOR::analysisKindFace;
+        if (last == 0) return;
+        ++kinds[last - 1];
+    }
+}
+
+TEST(Kinds, NeverBeginWithOneThatPhotosRunForEver) {
+    int accepted = 0;
+    for (const std::size_t length : {1U, 2U, 3U, 4U}) {
+        forEveryList(length, [&accepted](const Kinds& kinds) {
+            if (!whyUnusable(kinds).empty()) return;
+            ++accepted;
+            EXPECT_NE(kinds[0], KOR::analysisKindFace);
+            EXPECT_NE(kinds[0], KOR::analysisKindFaceAndEntropy);
+        });
+    }
+    EXPECT_GT(accepted, 0);
 }
 
 }  // namespace

@@ -42,19 +42,22 @@ std::string refusal(std::vector<std::string> arguments) {
 TEST(Options, HaveTheDocumentedDefaults) {
     const Options options = accepted({"clip.mp4"});
     EXPECT_EQ(options.files, std::vector<std::string>{"clip.mp4"});
-    EXPECT_EQ(options.kinds, (Kinds{4, 3}));
+    EXPECT_EQ(options.kinds, (Kinds{6, 7}));
     EXPECT_EQ(options.minSceneSeconds, 2);
     EXPECT_EQ(options.minLengthSeconds, 2);
     EXPECT_EQ(options.threshold, 3.0);
     EXPECT_EQ(options.progress, ProgressStyle::automatic);
+    EXPECT_FALSE(options.photos);
+    EXPECT_FALSE(options.faceModel);
     EXPECT_FALSE(options.json);
     EXPECT_FALSE(options.log);
 }
 
 TEST(Options, TakeEveryOptionWithAValue) {
-    const Options options = accepted({"--kinds", "6,1", "--min-scene", "0", "--min-length=5",
-                                      "--threshold", "2.25", "--cache", "kept", "--json", "-",
-                                      "--progress", "machine", "--log", "run.log", "a", "b"});
+    const Options options =
+        accepted({"--kinds", "6,1", "--min-scene", "0", "--min-length=5", "--threshold", "2.25",
+                  "--cache", "kept", "--json", "-", "--progress", "machine", "--log", "run.log",
+                  "--face-model", "faces.onnx", "a", "b"});
     EXPECT_EQ(options.kinds, (Kinds{6, 1}));
     EXPECT_EQ(options.minSceneSeconds, 0);
     EXPECT_EQ(options.minLengthSeconds, 5);
@@ -63,7 +66,22 @@ TEST(Options, TakeEveryOptionWithAValue) {
     EXPECT_EQ(options.json, "-");
     EXPECT_EQ(options.progress, ProgressStyle::machine);
     EXPECT_EQ(options.log, "run.log");
+    EXPECT_EQ(options.faceModel, "faces.onnx");
     EXPECT_EQ(options.files, (std::vector<std::string>{"a", "b"}));
+}
+
+TEST(Options, TakePhotosWithoutAValue) {
+    const Options options = accepted({"--photos", "a", "b"});
+    EXPECT_TRUE(options.photos);
+    EXPECT_EQ(options.files, (std::vector<std::string>{"a", "b"}));
+    EXPECT_TRUE(accepted({"--photos", "--photos", "a"}).photos);
+}
+
+TEST(Options, RefuseAValueWhereNoneIsTaken) {
+    for (const std::string value : {"", "true", "false", "1", "portrait.jpg"}) {
+        EXPECT_EQ(refusal({"--photos=" + value, "a"}), "--photos: it takes no value");
+    }
+    EXPECT_EQ(refusal({"--version=2"}), "--version: it takes no value");
 }
 
 TEST(Options, KeepFilesInOrderAndTwice) {
@@ -92,8 +110,10 @@ TEST(Options, RefuseUnknownOptions) {
 }
 
 TEST(Options, RefuseOptionsGivenTwice) {
-    EXPECT_NE(refusal({"--min-scene", "1", "--min-scene", "2", "a"}).find("--min-scene"),
-              std::string::npos);
+    for (const std::string option : {"--kinds", "--min-scene", "--min-length", "--threshold",
+                                     "--face-model", "--cache", "--json", "--progress", "--log"}) {
+        EXPECT_EQ(refusal({option, "1", option + "=2", "a"}), option + ": given more than once");
+    }
 }
 
 TEST(Options, RefuseKindsWithTheirReason) {
@@ -143,11 +163,12 @@ TEST(Options, RefuseEmptyNames) {
     EXPECT_EQ(refusal({"--json", "", "a"}), "--json: the name is empty");
     EXPECT_EQ(refusal({"--cache", "", "a"}), "--cache: the name is empty");
     EXPECT_EQ(refusal({"--log", "", "a"}), "--log: the name is empty");
+    EXPECT_EQ(refusal({"--face-model", "", "a"}), "--face-model: the name is empty");
 }
 
 TEST(Options, RefuseAnEqualsSignWithoutAValue) {
     for (const std::string option : {"--kinds", "--min-scene", "--min-length", "--threshold",
-                                     "--cache", "--json", "--progress", "--log"}) {
+                                     "--face-model", "--cache", "--json", "--progress", "--log"}) {
         EXPECT_EQ(refusal({option + "=", "a", "b"}), option + ": no value follows the \"=\"");
     }
     EXPECT_EQ(accepted({"--json=a=", "b"}).json, "a=");
@@ -176,8 +197,9 @@ TEST(Options, AnswerWithTheVersion) {
 TEST(Options, AnswerWithHelpThatNamesEveryOption) {
     const Answer answer = answered({"--help"});
     EXPECT_EQ(answer.exitCode, exitAllDone);
-    for (const char* name : {"FILE", "--kinds", "--min-scene", "--min-length", "--threshold",
-                             "--cache", "--json", "--progress", "--log", "--version", "130"}) {
+    for (const char* name :
+         {"FILE", "--kinds", "--min-scene", "--min-length", "--threshold", "--photos",
+          "--face-model", "--cache", "--json", "--progress", "--log", "--version", "130"}) {
         EXPECT_NE(answer.text.find(name), std::string::npos) << name;
     }
 }

@@ -66,6 +66,38 @@ TEST(Outcome, IsDefaultForAPhoto) {
     EXPECT_EQ(decided(photo(), withRecords(), RunEnd::complete).outcome, Outcome::byDefault);
 }
 
+TEST(Outcome, IsAnalysedForAPhotoWithItsFaces) {
+    Traces traces;
+    traces.analysed = true;
+    traces.hasRecords = true;
+    for (const RunEnd end : {RunEnd::complete, RunEnd::interrupted, RunEnd::stalled}) {
+        const FileReport report = decided(photo(), traces, end);
+        EXPECT_EQ(report.outcome, Outcome::analysed);
+        EXPECT_EQ(report.error, "");
+        EXPECT_EQ(report.results.size(), 1U);
+    }
+}
+
+TEST(Outcome, IsFailedForAPhotoThatAwaitsFaces) {
+    Traces traces;
+    traces.hasRecords = true;
+    traces.awaitsFaces = true;
+    for (const bool begun : {false, true}) {
+        traces.analysed = begun;
+        const FileReport report = decided(photo(), traces, RunEnd::interrupted);
+        EXPECT_EQ(report.outcome, Outcome::failed);
+        EXPECT_EQ(report.error, "interrupted");
+        EXPECT_TRUE(report.results.empty());
+    }
+}
+
+TEST(Outcome, IsAnalysedForAPassedPhotoWithoutFaces) {
+    Traces traces = withRecords();
+    traces.analysed = true;
+    traces.awaitsFaces = true;
+    EXPECT_EQ(decided(photo(), traces, RunEnd::complete).outcome, Outcome::analysed);
+}
+
 TEST(Outcome, KeepsTheLimitApartFromOverflow) {
     FileReport report = video(justShort + 1);
     report.results.resize(1);

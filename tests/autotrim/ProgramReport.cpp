@@ -15,8 +15,10 @@ Json onlyCachedResult(const std::filesystem::path& cacheRoot) {
 }
 
 Json withoutFaces(Json results) {
-    for (Json& record : results)
+    for (Json& record : results) {
         record.erase("faceRectOfPhoto");
+        record.erase("faces");
+    }
     return results;
 }
 

@@ -66,10 +66,10 @@ TEST(Program, WritesDefaultRecordsAsJson) {
     EXPECT_EQ(analysed({"photo.png", "short.mp4"}).dump(),
               R"([{"file":"photo.png","type":"photo","duration":1,"outcome":"default",)"
               R"("error":null,"results":[{"score":1.0,"begin":0,"end":1,"posOfMaxScore":0,)"
-              R"("faceRectOfPhoto":[0.0,0.0,0.0,0.0]}]},)"
+              R"("faceRectOfPhoto":[0.0,0.0,0.0,0.0],"faces":null}]},)"
               R"({"file":"short.mp4","type":"video","duration":10000000,"outcome":"default",)"
               R"("error":null,"results":[{"score":1.0,"begin":0,"end":10000000,)"
-              R"("posOfMaxScore":5000000,"faceRectOfPhoto":[0.0,0.0,0.0,0.0]}]}])");
+              R"("posOfMaxScore":5000000,"faceRectOfPhoto":[0.0,0.0,0.0,0.0],"faces":null}]}])");
 }
 
 TEST(Program, FindsCutsDissolveAndFade) {
@@ -86,6 +86,52 @@ TEST(Program, FindsCutsDissolveAndFade) {
     EXPECT_LE(begins[3], 300 * ticksPerFrame);
 }
 
+TEST(Program, CountsFacesWhereItLooksForThem) {
+    const auto facesBy = [](const char* kinds) {
+        std::vector<std::string> faces;
+        const Json materials = analysed({"--kinds", kinds, "two.mp4"});
+        for (const Json& record : materials[0]["results"])
+            faces.push_back(record["faces"].dump());
+        return faces;
+    };
+    using Faces = std::vector<std::string>;
+    EXPECT_EQ(facesBy("6,7"), (Faces{"0", "0"}));
+    EXPECT_EQ(facesBy("4,3,1"), (Faces{"0", "0"}));
+    EXPECT_EQ(facesBy("6,5"), (Faces{"null", "null"}));
+    EXPECT_EQ(facesBy("4,3"), (Faces{"null", "null"}));
+}
+
+TEST(Program, LooksForFacesInPhotosWhenAsked) {
+    const std::string record =
+        R"({"score":1.0,"begin":0,"end":1,"posOfMaxScore":0,"faceRectOfPhoto":[0.0,0.0,0.0,0.0],)";
+    for (const char* kinds : {"6,7", "4,3,1", "6,1,2", "2,6,1,5"}) {
+        const Json photo = analysed({"--photos", "--kinds", kinds, "photo.png"})[0];
+        EXPECT_EQ(photo["outcome"], "analysed") << kinds;
+        EXPECT_EQ(photo["results"].dump(), "[" + record + R"("faces":0}])") << kinds;
+    }
+    const Json photo = analysed({"--photos", "--kinds", "6,5", "photo.png"})[0];
+    EXPECT_EQ(photo["outcome"], "default");
+    EXPECT_EQ(photo["results"].dump(), "[" + record + R"("faces":null}])");
+}
+
+TEST(Program, TellsThatAPhotoHasNoFace) {
+    const Ended ended = run({"--photos", "photo.png", "photo.png"});
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.output,
+              "photo.png  (analysed)\n"
+              "  no face\n"
+              "\n"
+              "photo.png  (analysed)\n"
+              "  no face\n");
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST(Program, GivesRecordsWhereBlurComesLast) {
+    const Json records = analysed({"--kinds", "6,2", "two.mp4"})[0]["results"];
+    EXPECT_EQ(records.size(), 2U);
+    EXPECT_EQ(records, analysed({"--kinds", "2,6", "two.mp4"})[0]["results"]);
+}
+
 TEST(Program, CachesWhatItPrints) {
     const TemporaryDirectory cache;
     const Json materials = analysed({"--cache", cache.path().string(), "two.mp4"});
@@ -93,7 +139,7 @@ TEST(Program, CachesWhatItPrints) {
     ASSERT_TRUE(cached.is_object());
     EXPECT_EQ(withoutFaces(cached["result"]), withoutFaces(materials[0]["results"]));
     EXPECT_GE(cached["result"].size(), 1U);
-    EXPECT_EQ(cached["analysisTypes"], "4,3");
+    EXPECT_EQ(cached["analysisTypes"], "6,7");
 }
 
 TEST(Program, HandsItsParametersOver) {
@@ -174,6 +220,24 @@ TEST(Program, NamesEachBadFileOnOneLine) {
     }
 }
 
+TEST(Program, NamesAnEmptyName) {
+    EXPECT_EQ(run({""}).errors, "autotrim: \"\": there is no such file\n");
+}
+
+TEST(Program, RefusesAFileThatIsNoFaceModel) {
+    const TemporaryDirectory directory;
+    const path report = directory.path() / "report.json";
+    for (const std::string model : {"missing.onnx", "photo.png", "/", "/dev/null"}) {
+        const Ended ended =
+            run({"--face-model", model, "--json", report.string(), "short.mp4", "missing.mp4"});
+        EXPECT_EQ(ended.exitCode, exitWrongUse);
+        EXPECT_EQ(ended.output, "");
+        ASSERT_EQ(ended.errorLines().size(), 1U) << ended.errors;
+        EXPECT_NE(ended.errors.find(model), std::string::npos) << ended.errors;
+        EXPECT_FALSE(std::filesystem::exists(report));
+    }
+}
+
 TEST(Program, ExitsWithOneWhenEveryFileFailed) {
     const Ended ended = run({"missing.mp4"});
     EXPECT_EQ(ended.exitCode, exitSomeFailed);
@@ -251,6 +315,19 @@ TEST(Program, NeverOverwritesAFileToBeAnalysed) {
         const std::string sameFile = (directory.path() / "." / "clip.mp4").string();
         EXPECT_EQ(run({option, sameFile, file.string()}).exitCode, exitWrongUse);
         EXPECT_EQ(contentOf(file), before);
+    }
+}
+
+TEST(Program, NeverOverwritesAFaceModel) {
+    const TemporaryDirectory directory;
+    const std::string model = (directory.path() / "faces.onnx").string();
+    std::ofstream(model) << "a model";
+    for (const char* option : {"--json", "--log"}) {
+        const Ended ended = run({"--face-model", model, option, model, "short.mp4"});
+        EXPECT_EQ(ended.exitCode, exitWrongUse);
+        EXPECT_EQ(ended.errors,
+                  "autotrim: " + model + ": the file would be overwritten by this run\n");
+        EXPECT_EQ(contentOf(model), "a model");
     }
 }
 

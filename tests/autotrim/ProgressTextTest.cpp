@@ -26,6 +26,16 @@ TEST(ProgressBar, ShowsHoursOfALongRun) {
               "[                              ]   1%  2:03:04 left  clip.mp4");
 }
 
+TEST(ProgressBar, KeepsItsLengthWhenTheTimeAppears) {
+    const Progress progress{"clip.mp4", 2, 3, 50};
+    for (std::size_t columns = 0; columns < 100; ++columns) {
+        const std::size_t end = progressBar(progress, std::nullopt, columns).find(']');
+        for (const int left : {0, 59, 3599, 3600, 359999}) {
+            EXPECT_EQ(progressBar(progress, seconds(left), columns).find(']'), end) << columns;
+        }
+    }
+}
+
 TEST(ProgressBar, FitsEveryWidth) {
     const std::string longName(300, 'x');
     for (std::size_t columns = 0; columns < 200; ++columns) {
@@ -33,6 +43,7 @@ TEST(ProgressBar, FitsEveryWidth) {
             for (const int percent : {-5, 0, 100, 250}) {
                 const Progress progress{name, 1000, 1000, percent};
                 EXPECT_LE(columnsNeeded(progressBar(progress, seconds(9999), columns)), columns);
+                EXPECT_LE(columnsNeeded(progressBar(progress, seconds::max(), columns)), columns);
                 EXPECT_LE(columnsNeeded(openingLine(progress, columns)), columns);
             }
         }
@@ -41,7 +52,7 @@ TEST(ProgressBar, FitsEveryWidth) {
 
 TEST(ProgressBar, NamesThePlaceWhereTheNameFindsNoRoom) {
     EXPECT_EQ(progressBar({"clip.mp4", 8, 10, 42}, seconds(65), 39),
-              "[===      ]  42%  1:05 left  8/10");
+              "[===     ]  42%  1:05 left  8/10");
 }
 
 TEST(ProgressBar, KeepsThePercentageOnANarrowTerminal) {

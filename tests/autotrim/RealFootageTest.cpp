@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -7,6 +6,7 @@
 #include "autotrim/ExitCode.h"
 #include "tests/autotrim/Process.h"
 #include "tests/autotrim/ProgramReport.h"
+#include "tests/autotrim/RealFootage.h"
 #include "tests/autotrim/TemporaryDirectory.h"
 
 namespace autotrim {
@@ -14,63 +14,71 @@ namespace {
 
 using std::filesystem::path;
 
-class RealFootage : public testing::Test {
-protected:
-    void SetUp() override {
-        const char* const directory = std::getenv("MATERIAL_ANALYSIS_CLIPS");
-        if (directory == nullptr) GTEST_SKIP() << "MATERIAL_ANALYSIS_CLIPS is not set";
-        clips_ = directory;
+std::vector<path> videosIn(const path& directory) {
+    const std::set<std::string> endings = {".mp4", ".mkv", ".gif"};
+    std::vector<path> found;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        if (endings.contains(entry.path().extension())) found.push_back(entry.path());
     }
-
-    std::vector<path> videos() const {
-        const std::set<std::string> endings = {".mp4", ".mkv", ".gif"};
-        std::vector<path> found;
-        for (const auto& entry : std::filesystem::directory_iterator(clips_)) {
-            if (endings.contains(entry.path().extension())) found.push_back(entry.path());
-        }
-        std::sort(found.begin(), found.end());
-        return found;
-    }
-
-    path clip(const char* name) const { return clips_ / name; }
-
-private:
-    path clips_;
-};
+    std::sort(found.begin(), found.end());
+    return found;
+}
 
 /// Runs autotrim on one video that is good, and returns its entry of the report.
-Json entryOf(const path& video, const path& cache, const std::string& minScene) {
-    const Ended ended =
-        run({"--json", "-", "--cache", cache.string(), "--min-scene", minScene, video.string()});
+Json entryOf(const path& video, std::vector<std::string> options) {
+    options.insert(options.end(), {"--json", "-", video.string()});
+    const Ended ended = run(options);
     EXPECT_EQ(ended.exitCode, exitAllDone) << ended.errors;
     return Json::parse(ended.output)["materials"][0];
 }
 
 TEST_F(RealFootage, EndsWellForEveryVideo) {
     constexpr std::int64_t minLengthTicks = 20000000;
-    ASSERT_FALSE(videos().empty());
-    for (const path& video : videos()) {
+    const std::vector<path> videos = videosIn(clips());
+    ASSERT_FALSE(videos.empty());
+    for (const path& video : videos) {
         SCOPED_TRACE(video.filename().string());
         const TemporaryDirectory cache;
-        const Json entry = entryOf(video, cache.path(), "2");
+        const Json entry = entryOf(video, {"--cache", cache.path().string()});
         EXPECT_EQ(entry["type"], "video");
         EXPECT_TRUE(entry["error"].is_null());
         EXPECT_FALSE(entry["results"].empty());
         const Json cached = onlyCachedResult(cache.path());
         if (entry["duration"].get<std::int64_t>() <= minLengthTicks) {
             EXPECT_EQ(entry["outcome"], "default");
+            for (const Json& record : entry["results"])
+                EXPECT_TRUE(record["faces"].is_null());
             EXPECT_TRUE(cached.is_null());
         } else {
             EXPECT_EQ(entry["outcome"], "analysed");
+            for (const Json& record : entry["results"])
+                EXPECT_TRUE(record["faces"].is_number_integer());
             ASSERT_TRUE(cached.is_object());
             EXPECT_EQ(withoutFaces(cached["result"]), withoutFaces(entry["results"]));
         }
     }
 }
 
+TEST_F(RealFootage, FindsTheOneFaceOfEachSigner) {
+    for (const char* name :
+         {"again", "book", "eat", "hungry", "milk", "no", "school", "sorry", "thanks", "want"}) {
+        const Json entry = entryOf(clip(std::string(name) + ".mkv"), {"--min-length", "0"});
+        EXPECT_EQ(entry["outcome"], "analysed") << name;
+        EXPECT_FALSE(entry["results"].empty()) << name;
+        for (const Json& record : entry["results"])
+            EXPECT_EQ(record["faces"], 1) << name;
+    }
+}
+
+TEST_F(RealFootage, FindsNoFaceInACartoon) {
+    const Json entry = entryOf(clip("bigbuckbunny.mp4"), {"--min-scene", "0"});
+    EXPECT_FALSE(entry["results"].empty());
+    for (const Json& record : entry["results"])
+        EXPECT_EQ(record["faces"], 0);
+}
+
 TEST_F(RealFootage, GivesTheSixShotsOfBikes) {
-    const TemporaryDirectory cache;
-    const Json entry = entryOf(clip("bikes.mp4"), cache.path(), "0");
+    const Json entry = entryOf(clip("bikes.mp4"), {"--min-scene", "0"});
     constexpr std::int64_t ticksPerFrame = 400000;
     std::vector<std::int64_t> frames;
     for (const std::int64_t begin : beginsOf(entry["results"])) {

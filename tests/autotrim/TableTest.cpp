@@ -15,8 +15,8 @@ FileReport video(Outcome outcome) {
     report.type = MaterialType::video;
     report.duration = 12 * second;
     report.outcome = outcome;
-    report.results = {{0.3125, 0, 5 * second, 2 * second + 1230000, {}},
-                      {0.25, 5 * second, 12 * second, 7 * second, {}}};
+    report.results = {{0.3125, 0, 5 * second, 2 * second + 1230000, {}, {}},
+                      {0.25, 5 * second, 12 * second, 7 * second, {}, {}}};
     return report;
 }
 
@@ -61,6 +61,49 @@ TEST(Table, IsTheHeadingAloneForAPhoto) {
     FileReport photo = video(Outcome::byDefault);
     photo.type = MaterialType::photo;
     EXPECT_EQ(toTable(photo), "clip.mp4  (photo: kept whole)\n");
+}
+
+TEST(Table, CountsFacesWhereTheyWereLookedFor) {
+    FileReport report = video(Outcome::analysed);
+    report.results[0].faces = 0;
+    report.results[1].faces = 20;
+    EXPECT_EQ(toTable(report),
+              "clip.mp4  00:00:12.000  (analysed)\n"
+              "  scene  begin           end           best keyframe   score  faces\n"
+              "      1  00:00:00.000  - 00:00:05.000  00:00:02.123    0.312      0\n"
+              "      2  00:00:05.000  - 00:00:12.000  00:00:07.000    0.250     20\n");
+    report.results[0].faces.reset();
+    EXPECT_NE(toTable(report).find(" 0.312      -\n"), std::string::npos);
+}
+
+FileReport analysedPhoto(std::int32_t faces) {
+    FileReport report;
+    report.file = "portrait.jpg";
+    report.type = MaterialType::photo;
+    report.duration = 1;
+    report.outcome = Outcome::analysed;
+    report.results = {{1, 0, 1, 0, {0.25, 0.0625, 0.5, 1}, faces}};
+    return report;
+}
+
+TEST(Table, ShowsWhereTheFaceOfAPhotoIs) {
+    EXPECT_EQ(toTable(analysedPhoto(1)),
+              "portrait.jpg  (analysed)\n"
+              "  faces    left     top   width  height\n"
+              "      1   25.0%    6.2%   50.0%  100.0%\n");
+}
+
+TEST(Table, ShowsTheLargestOfSeveralFaces) {
+    EXPECT_EQ(toTable(analysedPhoto(2)),
+              "portrait.jpg  (analysed)\n"
+              "  faces    left     top   width  height\n"
+              "      2   25.0%    6.2%   50.0%  100.0%  (the largest)\n");
+}
+
+TEST(Table, SaysThatAPhotoHasNoFace) {
+    EXPECT_EQ(toTable(analysedPhoto(0)),
+              "portrait.jpg  (analysed)\n"
+              "  no face\n");
 }
 
 TEST(Table, SaysThatNothingWasKept) {

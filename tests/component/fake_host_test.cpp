@@ -9,6 +9,7 @@
 #include "host/geometry.h"
 #include "host/logger.h"
 #include "tests/support/ComponentTest.h"
+#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {
@@ -110,6 +111,70 @@ TEST_F(TheFakeHost, TaskWithoutTheKindGivesNoResults) {
     EXPECT_EQ(task(1).getResultList(9, 0, results.get(), 0), KOR::statusOk);
     ASSERT_EQ(results->count(), 2);
     EXPECT_EQ(*static_cast<std::int64_t*>(results->at(1)), 2);
+}
+
+/// A task of these types on a material with results of every kind for single pictures.
+class TheFakeHostsPictures : public ComponentTest {
+protected:
+    /// What the task answers when it is asked for one kind.
+    Owned<KOR::IKORVoidPtrList> resultsOf(FakeTask& asked, std::int32_t kind) {
+        Owned<KOR::IKORVoidPtrList> results(createKORAutoVoidPtrList());
+        EXPECT_EQ(asked.getResultList(kind, 0, results.get(), 0), KOR::statusOk);
+        return results;
+    }
+
+    FakeTask& taskOf(const std::vector<std::int32_t>& types) {
+        owned_.reset(createMediaAnalysisTask(intList(types).get()));
+        FakeMedia& material = make(video("clip.mp4", 100)
+                                       .faceFrames({frameWith({}), frameWith({{0.5, 0, 0.25, 1}})})
+                                       .entropies({{7, 5.5}})
+                                       .blurs({{8, 90.0}, {9, 80.0}}));
+        task(0).setSource(&material, 0, 0);
+        return task(0);
+    }
+
+    void TearDown() override {
+        owned_.reset();
+        ComponentTest::TearDown();
+    }
+
+private:
+    Owned<KOR::IKorBaseTask> owned_;
+};
+
+TEST_F(TheFakeHostsPictures, AreThoseOfTheSource) {
+    FakeTask& asked = taskOf({3, 8, 2});
+    const auto faces = resultsOf(asked, 3);
+    ASSERT_EQ(faces->count(), 2);
+    const auto* const frame = static_cast<KOR::FaceDetectFrame*>(faces->at(1));
+    EXPECT_EQ(frame->faceCount, 1);
+    EXPECT_EQ(frame->faceRects[0].width, 0.25);
+    const auto samples = resultsOf(asked, 8);
+    ASSERT_EQ(samples->count(), 1);
+    EXPECT_EQ(static_cast<KOR::EntropySample*>(samples->at(0))->entropy, 5.5);
+    const auto blurs = resultsOf(asked, 2);
+    ASSERT_EQ(blurs->count(), 2);
+    EXPECT_EQ(static_cast<KOR::BlurSample*>(blurs->at(1))->sharpness, 80.0);
+}
+
+TEST_F(TheFakeHostsPictures, AreOnlyThoseOfTheTasksKinds) {
+    FakeTask& asked = taskOf({3});
+    EXPECT_EQ(resultsOf(asked, 8)->count(), 0);
+    EXPECT_EQ(resultsOf(asked, 2)->count(), 0);
+}
+
+TEST_F(TheFakeHostsPictures, CanBeLostInTheirPlace) {
+    FakeTask& asked = taskOf({2});
+    asked.loseElement(0);
+    const auto blurs = resultsOf(asked, 2);
+    ASSERT_EQ(blurs->count(), 2);
+    EXPECT_EQ(blurs->at(0), nullptr);
+    EXPECT_NE(blurs->at(1), nullptr);
+}
+
+TEST_F(TheFakeHostsPictures, HaveALargeFaceBehindThoseThatCount) {
+    EXPECT_EQ(frameWith({smallFaceAt(0.5, 0.5)}).faceRects[1].width, 1.0);
+    EXPECT_EQ(frameWith({}).faceRects[19].height, 1.0);
 }
 
 }  // namespace

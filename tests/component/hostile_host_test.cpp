@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -6,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/RunTest.h"
+#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {
@@ -135,6 +137,29 @@ TEST_F(HostileHost, WithDisorderedResultsGetsSortedRecords) {
     // The walk passes over the second keyframe: it lies before the first scene's begin.
     ASSERT_EQ(probe().results().size(), 1U);
     EXPECT_EQ(probe().results()[0].begin, 50 * second);
+}
+
+TEST_F(HostileHost, WithEntropyThatIsNoNumberPicksAnotherKeyFrame) {
+    insert(video("clip.mp4", 100 * second)
+               .keyFrames({5 * second, 50 * second})
+               .entropies({{5 * second, std::nan("")}, {50 * second, 1.0}}));
+    useKinds({6, 7});
+    runToEnd();
+    ASSERT_EQ(probe().results().size(), 1U);
+    EXPECT_EQ(probe().results()[0].posOfMaxScore, 50 * second);
+    EXPECT_EQ(listener.events(), Events{2});
+}
+
+TEST_F(HostileHost, WithAbsurdFacesStillScoresThem) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const KOR::FaceDetectFrame absurd =
+        frameCounting(std::numeric_limits<std::int32_t>::max(),
+                      {{infinity, std::nan(""), infinity, infinity}, {0.5, 0.5, std::nan(""), 1}});
+    insert(video("clip.mp4", 100 * second).keyFrames({5 * second}).faceFrames({absurd}));
+    useKinds({6, 7});
+    runToEnd();
+    ASSERT_EQ(probe().results().size(), 1U);
+    EXPECT_EQ(probe().results()[0].score, 1000000001 * 0.3 / 1000000000 + scoreWithoutFaces);
 }
 
 TEST_F(HostileHost, WithNegativeDurationsIsSurvived) {

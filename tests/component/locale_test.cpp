@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/RunTest.h"
+#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {
@@ -33,7 +34,11 @@ protected:
         component().clearMaterials();
         for (int i = 0; i < 1200; ++i)
             insert(photo("photo.jpg"));
-        insert(video("clip.mp4", 1000000000).keyFrames({123456789}).cacheIn(host().directory()));
+        insert(video("clip.mp4", 1000000000)
+                   .keyFrames({123456789})
+                   .faceFrames({frameWith({largeFaceAt(0.5, 0.5)})})
+                   .entropies({{123456789, 12345.6}})
+                   .cacheIn(host().directory()));
         setThreshold(1234.5);
         host().takeJournal();
         runToEnd();
@@ -44,7 +49,7 @@ protected:
 };
 
 TEST_F(Locale, OfTheStreamsChangesNothing) {
-    useKinds({6, 4, 3});
+    useKinds({6, 4, 3, 7});
     const Lines plain = traceOfARun();
     std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
     const Lines grouped = traceOfARun();
@@ -64,7 +69,7 @@ bool speakGerman(const std::filesystem::path& directory) {
 }
 
 TEST_F(Locale, OfTheCLibraryChangesNothing) {
-    useKinds({6, 4, 3});
+    useKinds({6, 4, 3, 7});
     const Lines plain = traceOfARun();
     if (!speakGerman(host().directory())) GTEST_SKIP() << "no locale with decimal commas";
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");

@@ -39,6 +39,18 @@ std::vector<std::int64_t> keyFramesOf(const Task& task) {
     return resultsOf<std::int64_t>(task, KOR::analysisTypeKeyFrame);
 }
 
+std::vector<KOR::FaceDetectFrame> facesOf(const Task& task) {
+    return resultsOf<KOR::FaceDetectFrame>(task, KOR::analysisTypeFace);
+}
+
+std::vector<KOR::EntropySample> entropiesOf(const Task& task) {
+    return resultsOf<KOR::EntropySample>(task, KOR::analysisTypeEntropy);
+}
+
+std::vector<KOR::BlurSample> blursOf(const Task& task) {
+    return resultsOf<KOR::BlurSample>(task, KOR::analysisTypeBlur);
+}
+
 AnalysisRun::AnalysisRun(std::initializer_list<std::int32_t> types,
                          const std::filesystem::path& file, const std::filesystem::path& cacheRoot)
     : material(import(file, cacheRoot)), task(makeTask(types)) {
@@ -48,6 +60,13 @@ AnalysisRun::AnalysisRun(std::initializer_list<std::int32_t> types,
 
 void AnalysisRun::prepare() {
     EXPECT_EQ(analysisOf(task).setSource(&sourceOf(material), 0, 0), KOR::statusOk);
+}
+
+void AnalysisRun::lookAt(const std::vector<std::int64_t>& positions) {
+    const auto list = hold(createKORLonglongList());
+    for (const std::int64_t position : positions)
+        list->append(position);
+    EXPECT_EQ(analysisOf(task).setKeyFramePositions(list.get()), KOR::statusOk);
 }
 
 void AnalysisRun::finish(std::size_t times) {

@@ -17,6 +17,9 @@ Task makeTask(std::initializer_list<std::int32_t> types);
 KOR::IBsMediaAnalysisTask& analysisOf(const Task& task);
 std::vector<KOR::TickRange> scenesOf(const Task& task);
 std::vector<std::int64_t> keyFramesOf(const Task& task);
+std::vector<KOR::FaceDetectFrame> facesOf(const Task& task);
+std::vector<KOR::EntropySample> entropiesOf(const Task& task);
+std::vector<KOR::BlurSample> blursOf(const Task& task);
 
 /// A task that has the source of a file and a listener.
 struct AnalysisRun {
@@ -26,11 +29,18 @@ struct AnalysisRun {
     /// Hands the source over once more.
     void prepare();
 
+    /// Hands over the positions of the pictures to be looked at.
+    void lookAt(const std::vector<std::int64_t>& positions);
+
     /// Runs the task until it has finished `times` times in its life.
     void finish(std::size_t times = 1);
 
     std::vector<KOR::TickRange> scenes() const { return scenesOf(task); }
     std::vector<std::int64_t> keyFrames() const { return keyFramesOf(task); }
+
+    std::vector<KOR::FaceDetectFrame> faces() const { return facesOf(task); }
+    std::vector<KOR::EntropySample> entropies() const { return entropiesOf(task); }
+    std::vector<KOR::BlurSample> blurs() const { return blursOf(task); }
 
     Holder<KOR::IDmBaseObj> material;
     TaskRecorder recorder;

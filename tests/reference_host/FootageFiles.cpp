@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "reference_host/ReferenceHost.h"
@@ -42,6 +43,12 @@ void FootageFiles::patch(const std::filesystem::path& file, std::int64_t offset,
 void FootageFiles::truncate(const std::filesystem::path& file, double part) {
     const auto size = static_cast<double>(std::filesystem::file_size(file));
     std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size * part));
+}
+
+std::string contentOf(const std::filesystem::path& file) {
+    std::ostringstream content;
+    content << std::ifstream(file, std::ios::binary).rdbuf();
+    return content.str();
 }
 
 std::string movingPictures(int frames, const std::string& size) {

@@ -40,6 +40,9 @@ private:
     TemporaryDirectory directory_;
 };
 
+/// Returns all bytes of a file.
+std::string contentOf(const std::filesystem::path& file);
+
 /// ffmpeg's input of `frames` moving pictures, 25 a second.
 std::string movingPictures(int frames, const std::string& size = "64x48");
 

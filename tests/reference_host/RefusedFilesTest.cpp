@@ -1,5 +1,4 @@
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -76,9 +75,8 @@ TEST(RefusedFiles, WhatIsTooDamaged) {
 
 /// Replaces width and height in the sample description of an uncompressed video.
 void patchSize(const std::filesystem::path& mov, const std::string& bytes) {
-    std::ostringstream content;
-    content << std::ifstream(mov, std::ios::binary).rdbuf();
-    const std::size_t description = content.str().find("raw ", content.str().find("stsd"));
+    const std::string content = contentOf(mov);
+    const std::size_t description = content.find("raw ", content.find("stsd"));
     ASSERT_NE(description, std::string::npos);
     FootageFiles::patch(mov, static_cast<std::int64_t>(description) + 28, bytes);
 }
@@ -94,6 +92,30 @@ TEST(RefusedFiles, PicturesBeyondTheLimitNameIt) {
     const auto mov = files.makeVideo("a.mov", 2, "-c:v rawvideo -pix_fmt rgb24");
     patchSize(mov, "\xff\xff\xff\xff");
     expectRefused(mov, "the limit is 268435456 pixels");
+}
+
+TEST(RefusedFiles, PhotosThatDeclareTooManyPixels) {
+    const FootageFiles files;
+    const std::string size("\x4e\x20\x4e\x20", 4);  // 20,000 twice, as two bytes each
+    const auto jpeg = files.makeVideo("a.jpg", 1, "");
+    const std::size_t frame = contentOf(jpeg).find("\xff\xc0");
+    FootageFiles::patch(jpeg, static_cast<std::int64_t>(frame) + 5, size);
+    expectRefused(jpeg, "the limit is 268435456 pixels");
+    const auto bmp = files.makeVideo("a.bmp", 1, "");
+    FootageFiles::patch(bmp, 18, std::string("\x20\x4e\0\0\x20\x4e\0\0", 8));
+    expectRefused(bmp, "the limit is 268435456 pixels");
+    const auto tiff = files.makeVideo("a.tiff", 1, "");
+    const std::string entry("\x01\x04\0\x01\0\0\0", 7);
+    for (const char tag : {'\0', '\1'}) {
+        const std::size_t place = contentOf(tiff).find(tag + entry);
+        FootageFiles::patch(tiff, static_cast<std::int64_t>(place) + 8, "\x20\x4e");
+    }
+    expectRefused(tiff, "the limit is 268435456 pixels");
+    // The largest that the format can declare is within the limit, but there is nothing of it.
+    const auto webp = files.makeVideo("a.webp", 1, "");
+    const std::size_t key = contentOf(webp).find("\x9d\x01\x2a");
+    FootageFiles::patch(webp, static_cast<std::int64_t>(key) + 3, "\xff\x3f\xff\x3f");
+    EXPECT_NE(refusalOf(webp), "");
 }
 
 TEST(RefusedFiles, PicturesThatTakeTooManyBytes) {

@@ -170,8 +170,9 @@ TEST_F(TaskChannelTest, ResultsAreCompleteInsideTheEnd) {
     listener.inside = [&](const TaskRecorder::Event&) {
         scenes = channel->results()->scenes.size();
     };
-    channel->finish(begin(), std::make_shared<AnalysisResults>(AnalysisResults{
-                                 .scenes = {{0, 5}, {5, 9}}, .keyFramePositionsTicks = {}}));
+    AnalysisResults found;
+    found.scenes = {{0, 5}, {5, 9}};
+    channel->finish(begin(), std::make_shared<const AnalysisResults>(found));
     EXPECT_EQ(scenes, 2U);
     EXPECT_EQ(channel->results()->scenes.size(), 2U);
     begin();

@@ -35,7 +35,7 @@ check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unist
   EXCEPT reference_host/media reference_host/services/Log reference_host/vision)
 check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")
 check_room(reference_host/media
-  "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|fcntl.h$|sys/|unistd.h$")
+  "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|libheif/|fcntl.h$|sys/|unistd.h$")
 check_room(reference_host/vision
   "${standard}|host/|reference_host/vision/|opencv2/|dlib/")
 check_room(autotrim

@@ -34,6 +34,19 @@ struct ComponentProbe {
     Status scenceAndKeyframeDetectFinished(Task* task) {
         return component.scenceAndKeyframeDetectFinished(task);
     }
+    Status faceDetectFinished(Task* task) { return component.faceDetectFinished(task); }
+    Status faceDetectFinishedInternal(Task* task) {
+        return component.faceDetectFinishedInternal(task);
+    }
+    Status entropyCalculateFinished(Task* task) { return component.entropyCalculateFinished(task); }
+    Status entropyCalculateFinishedInternal(Task* task) {
+        return component.entropyCalculateFinishedInternal(task);
+    }
+    Status faceAndEntropyAnalysisFinished(Task* task) {
+        return component.faceAndEntropyAnalysisFinished(task);
+    }
+
+    Status onTaskFinished() { return component.onTaskFinished(); }
 
     Status rankScenceScores() { return component.rankScenceScores(); }
     Status buildAnalysisResults() { return component.buildAnalysisResults(); }

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "host/files.h"
-#include "host/geometry.h"
 #include "tests/support/FakeHost.h"
 
 namespace KOR {
@@ -55,24 +54,6 @@ std::vector<std::string> StringUtil::split(const std::string& text, char separat
         }
     }
     return parts;
-}
-
-double width(const KorRect& rect) {
-    return rect.width;
-}
-
-double height(const KorRect& rect) {
-    return rect.height;
-}
-
-KorPoint centerPoint(const KorRect& rect) {
-    return {rect.x + rect.width / 2, rect.y + rect.height / 2};
-}
-
-std::int32_t pointInRect(const KorPoint& point, const KorRect& rect) {
-    const bool across = rect.x <= point.x && point.x <= rect.x + rect.width;
-    const bool along = rect.y <= point.y && point.y <= rect.y + rect.height;
-    return across && along ? 1 : 0;
 }
 
 }  // namespace KOR

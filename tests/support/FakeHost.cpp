@@ -34,6 +34,7 @@ bool Faults::appendsFail(Product list) const {
 void FakeHost::reset() {
     const std::lock_guard lock(mutex_);
     faults = Faults();
+    geometry = GeometryRules();
     recording = true;
     tasksFinishInsideStart = false;
     startDepth = 0;

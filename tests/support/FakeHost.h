@@ -4,10 +4,13 @@
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "host/geometry.h"
 
 /// A complete host in memory: every service of host/ works, and can be told to fail.
 ///
@@ -70,6 +73,15 @@ private:
     std::array<OfProduct, 5> products_;
 };
 
+/// How the host computes with rectangles. An operation without a rule keeps to the contract; with
+/// one it shows a test what it is asked, or answers as the contract does not.
+struct GeometryRules {
+    std::function<double(const KOR::KorRect&)> width;
+    std::function<double(const KOR::KorRect&)> height;
+    std::function<KOR::KorPoint(const KOR::KorRect&)> centerPoint;
+    std::function<std::int32_t(const KOR::KorPoint&, const KOR::KorRect&)> pointInRect;
+};
+
 class FakeHost {
 public:
     /// Forgets everything and makes all services work again. Objects that still live stay valid.
@@ -108,6 +120,7 @@ public:
     std::filesystem::path directory();
 
     Faults faults;
+    GeometryRules geometry;
     LiveObjects live;
 
     /// Off: nothing is recorded, so that benchmarks measure the component alone.

@@ -47,6 +47,21 @@ MediaSpec& MediaSpec::keyFrames(std::vector<std::int64_t> positions) {
     return *this;
 }
 
+MediaSpec& MediaSpec::faceFrames(std::vector<KOR::FaceDetectFrame> frames) {
+    faceResults = std::move(frames);
+    return *this;
+}
+
+MediaSpec& MediaSpec::entropies(std::vector<KOR::EntropySample> samples) {
+    entropyResults = std::move(samples);
+    return *this;
+}
+
+MediaSpec& MediaSpec::blurs(std::vector<KOR::BlurSample> samples) {
+    blurResults = std::move(samples);
+    return *this;
+}
+
 MediaSpec video(const std::string& fileName, std::int64_t durationTicks) {
     MediaSpec spec;
     spec.fileName = fileName;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/media.h"
+#include "host/results.h"
 #include "host/tasks.h"
 #include "tests/support/Counted.h"
 
@@ -24,6 +25,9 @@ public:
     MediaSpec& withoutSource();
     MediaSpec& scenes(std::vector<KOR::TickRange> ranges);
     MediaSpec& keyFrames(std::vector<std::int64_t> positions);
+    MediaSpec& faceFrames(std::vector<KOR::FaceDetectFrame> frames);
+    MediaSpec& entropies(std::vector<KOR::EntropySample> samples);
+    MediaSpec& blurs(std::vector<KOR::BlurSample> samples);
 
     std::string fileName;
     std::uint32_t mediaType = KOR::mediaTypeVideo;
@@ -35,6 +39,9 @@ public:
     bool hasSource = true;
     std::vector<KOR::TickRange> sceneResults;
     std::vector<std::int64_t> keyFrameResults;
+    std::vector<KOR::FaceDetectFrame> faceResults;
+    std::vector<KOR::EntropySample> entropyResults;
+    std::vector<KOR::BlurSample> blurResults;
 };
 
 MediaSpec video(const std::string& fileName, std::int64_t durationTicks);

@@ -12,20 +12,6 @@
 namespace fake_host {
 namespace {
 
-/// Appends a copy of every value, each in a block of its own.
-template <typename Value>
-KOR::Status appendCopies(const std::vector<Value>& values, KOR::IKORVoidPtrList& list) {
-    for (const Value& value : values) {
-        void* const copy = ::operator new(sizeof(Value));
-        std::memcpy(copy, &value, sizeof(Value));
-        if (list.append(copy) == KOR::statusFailed) {
-            ::operator delete(copy);
-            return KOR::statusFailed;
-        }
-    }
-    return KOR::statusOk;
-}
-
 std::string rangesText(KOR::IKORVoidPtrList* list) {
     if (list == nullptr) return "null";
     std::string text;
@@ -233,9 +219,36 @@ KOR::Status FakeTask::getResultList(std::int32_t kind, std::int32_t reserved1,
     if (source_ == nullptr || std::count(types_.begin(), types_.end(), kind) == 0) {
         return KOR::statusOk;
     }
-    if (kind == KOR::analysisTypeScene) return appendCopies(source_->spec.sceneResults, *list);
-    if (kind == KOR::analysisTypeKeyFrame) {
-        return appendCopies(source_->spec.keyFrameResults, *list);
+    const MediaSpec& found = source_->spec;
+    switch (kind) {
+        case KOR::analysisTypeScene:
+            return appendCopies(found.sceneResults, *list);
+        case KOR::analysisTypeBlur:
+            return appendCopies(found.blurResults, *list);
+        case KOR::analysisTypeFace:
+            return appendCopies(found.faceResults, *list);
+        case KOR::analysisTypeEntropy:
+            return appendCopies(found.entropyResults, *list);
+        case KOR::analysisTypeKeyFrame:
+            return appendCopies(found.keyFrameResults, *list);
+        default:
+            return KOR::statusOk;
+    }
+}
+
+template <typename Result>
+KOR::Status FakeTask::appendCopies(const std::vector<Result>& results,
+                                   KOR::IKORVoidPtrList& list) const {
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        void* copy = nullptr;
+        if (lostElements_.count(i) == 0) {
+            copy = ::operator new(sizeof(Result));
+            std::memcpy(copy, &results[i], sizeof(Result));
+        }
+        if (list.append(copy) == KOR::statusFailed) {
+            ::operator delete(copy);
+            return KOR::statusFailed;
+        }
     }
     return KOR::statusOk;
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,9 @@ public:
 
     /// Runs `action` inside an operation, before it does anything; also inside "destruction".
     void onCall(const std::string& operation, std::function<void()> action);
+
+    /// Puts null in the place of the `index`th element of every list of results.
+    void loseElement(std::size_t index) { lostElements_.insert(index); }
 
     /// Lets the query by the name "IBsMediaAnalysisTask" fail.
     void hideAnalysisInterface() { analysisInterfaceHidden_ = true; }
@@ -95,6 +99,10 @@ public:
 private:
     ~FakeTask() override;
 
+    /// Appends a copy of every result, each in a block of its own.
+    template <typename Result>
+    KOR::Status appendCopies(const std::vector<Result>& results, KOR::IKORVoidPtrList& list) const;
+
     void note(const char* operation) const;
     void note(std::string operation, const std::vector<std::string>& arguments) const;
     KOR::Status unexpected(const std::string& operation) const;
@@ -111,6 +119,7 @@ private:
     std::map<std::string, KOR::Status, std::less<>> answers_;
     std::map<std::string, std::function<void()>, std::less<>> hooks_;
     std::map<std::int32_t, int> asked_;
+    std::set<std::size_t> lostElements_;
     bool analysisInterfaceHidden_ = false;
     bool stopsSilently_ = false;
 };

@@ -20,7 +20,8 @@ namespace KOR {
 /// what is computed from plain values stands in functions of its own.
 ///
 /// Its sources, one for each concern: KorMaterialAnalysis.cpp (identity, materials, parameters),
-/// TaskLaunch.cpp, RunDriver.cpp, ResultIntake.cpp, AutoTrim.cpp and ResultCache.cpp.
+/// TaskLaunch.cpp, RunDriver.cpp, ResultIntake.cpp, PictureIntake.cpp, AutoTrim.cpp and
+/// ResultCache.cpp.
 class KorMaterialAnalysis : public IKorMaterialAnalysis, public IKorCallBack, public RefCnt<void> {
 public:
     KorMaterialAnalysis() = default;
@@ -111,6 +112,13 @@ private:
     std::vector<KeyFrameScore> keyFramesOfScence(const IKORVoidPtrList* found, std::size_t scence,
                                                  std::int64_t& cursor) const;
     void logScencesWithKeyFrames() const;
+    Status faceDetectFinished(IBsMediaAnalysisTask* task);
+    Status faceDetectFinishedInternal(IBsMediaAnalysisTask* task);
+    void addFaceScores(const IKORVoidPtrList* found);
+    void keepFaceOfPhoto(const IKORVoidPtrList* found);
+    Status entropyCalculateFinished(IBsMediaAnalysisTask* task);
+    Status entropyCalculateFinishedInternal(IBsMediaAnalysisTask* task);
+    Status faceAndEntropyAnalysisFinished(IBsMediaAnalysisTask* task);
 
     // The auto-trim result.
     Status rankScenceScores();

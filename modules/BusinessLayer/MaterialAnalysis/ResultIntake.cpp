@@ -1,24 +1,13 @@
-// How what a finished task has found is taken in.
+// How scenes and keyframes that a finished task has found are taken in.
 
 #include "modules/BusinessLayer/MaterialAnalysis/FixedText.h"
 #include "modules/BusinessLayer/MaterialAnalysis/KorMaterialAnalysis.h"
 #include "modules/BusinessLayer/MaterialAnalysis/LogLine.h"
 #include "modules/BusinessLayer/MaterialAnalysis/MediaQueries.h"
 #include "modules/BusinessLayer/MaterialAnalysis/SceneMeasures.h"
+#include "modules/BusinessLayer/MaterialAnalysis/TaskResults.h"
 
 namespace KOR {
-
-namespace {
-
-/// Asks a task for its results of one kind. Null where the host gives no list; the task is asked
-/// all the same.
-Ref<IKORVoidPtrList> resultsOf(IBsMediaAnalysisTask& task, MediaAnalysisType kind) {
-    auto list = Ref<IKORVoidPtrList>::adopt(createKORAutoVoidPtrList());
-    task.getResultList(kind, 0, list.get(), 0);
-    return list;
-}
-
-}  // namespace
 
 Status KorMaterialAnalysis::scenceDetectFinished(IBsMediaAnalysisTask* task) {
     if (task != nullptr) {

@@ -88,16 +88,25 @@ Status KorMaterialAnalysis::takeInFinishedTask() {
     IBsMediaAnalysisTask* const task = currentTask();
     Status status = statusFailed;
     switch (currentKind()) {
+        case analysisKindFace:
+            status = faceDetectFinished(task);
+            break;
         case analysisKindKeyFrame:
             status = keyFrameDetectFinished(task);
             break;
         case analysisKindScence:
             status = scenceDetectFinished(task);
             break;
+        case analysisKindEntropy:
+            status = entropyCalculateFinished(task);
+            break;
         case analysisKindScenceAndKeyFrame:
             status = scenceAndKeyframeDetectFinished(task);
             break;
-        default:
+        case analysisKindFaceAndEntropy:
+            status = faceAndEntropyAnalysisFinished(task);
+            break;
+        default:  // Blur, whose results count for nothing, is a failure by contract.
             break;
     }
     if (isPhotoMaterial(currentMaterial())) return status;

@@ -1,0 +1,154 @@
+#include "reference_host/media/decodeHeif.h"
+
+#ifdef REFERENCE_HOST_HAS_LIBHEIF
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+
+#include <libheif/heif.h>
+
+#include "reference_host/media/Limits.h"
+#include "reference_host/media/MediaError.h"
+
+namespace reference_host::media {
+namespace {
+
+constexpr std::int64_t bytesPerPixel = 3;
+
+/// What is enough to recognise the format: the first box with its brands.
+constexpr std::size_t headBytes = 64;
+
+struct HeifFree {
+    void operator()(heif_context* context) const { heif_context_free(context); }
+    void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
+    void operator()(const heif_image* image) const { heif_image_release(image); }
+};
+
+template <typename Object>
+using HeifPointer = std::unique_ptr<Object, HeifFree>;
+
+void require(const heif_error& error) {
+    if (error.code == heif_error_Ok) return;
+    throw MediaError(std::string("its picture cannot be decoded (") + error.message + ")");
+}
+
+/// A file that libheif reads, one piece after the other.
+class Input {
+public:
+    explicit Input(const ByteSource& file) : file_(file) {}
+
+    static std::int64_t position(void* self) { return static_cast<Input*>(self)->offset_; }
+
+    static int read(void* data, std::size_t size, void* self) {
+        auto& input = *static_cast<Input*>(self);
+        auto* to = static_cast<std::uint8_t*>(data);
+        for (std::size_t done = 0; done < size;) {
+            const std::ptrdiff_t got = input.file_.readAt(input.offset_, to + done, size - done);
+            if (got <= 0) return -1;
+            input.offset_ += got;
+            done += static_cast<std::size_t>(got);
+        }
+        return 0;
+    }
+
+    static int seek(std::int64_t position, void* self) {
+        static_cast<Input*>(self)->offset_ = position;
+        return 0;
+    }
+
+    static heif_reader_grow_status waitForSize(std::int64_t size, void* self) {
+        return size > static_cast<Input*>(self)->file_.sizeBytes()
+                   ? heif_reader_grow_status_size_beyond_eof
+                   : heif_reader_grow_status_size_reached;
+    }
+
+private:
+    const ByteSource& file_;
+    std::int64_t offset_ = 0;
+};
+
+constexpr heif_reader reader{.reader_api_version = 1,
+                             .get_position = Input::position,
+                             .read = Input::read,
+                             .seek = Input::seek,
+                             .wait_for_file_size = Input::waitForSize};
+
+bool isHeif(const ByteSource& file) {
+    std::array<std::uint8_t, headBytes> head{};
+    const std::ptrdiff_t got = file.readAt(0, head.data(), head.size());
+    return got > 0 &&
+           heif_check_filetype(head.data(), static_cast<int>(got)) == heif_filetype_yes_supported;
+}
+
+/// Checks what the file declares, before any of it is decoded.
+void requireSensibleSize(const heif_image_handle& handle) {
+    const std::int64_t width = heif_image_handle_get_width(&handle);
+    const std::int64_t height = heif_image_handle_get_height(&handle);
+    const std::int64_t pixels = width * height;
+    if (pixels <= std::min(maxPicturePixels, maxPictureBytes / bytesPerPixel)) return;
+    const std::string size = std::to_string(width) + "x" + std::to_string(height);
+    throw MediaError(pixels > maxPicturePixels ? "no picture could be decoded (Picture size " +
+                                                     size + " is invalid): the limit is " +
+                                                     std::to_string(maxPicturePixels) + " pixels"
+                                               : "no picture could be decoded (Picture of " + size +
+                                                     " is too large: the limit is " +
+                                                     std::to_string(maxPictureBytes) + " bytes)");
+}
+
+std::vector<std::uint8_t> asPpm(const heif_image& image) {
+    int stride = 0;
+    const std::uint8_t* rows =
+        heif_image_get_plane_readonly(&image, heif_channel_interleaved, &stride);
+    const int width = heif_image_get_width(&image, heif_channel_interleaved);
+    const int height = heif_image_get_height(&image, heif_channel_interleaved);
+    if (rows == nullptr || width <= 0 || height <= 0) throw MediaError("it holds no picture");
+
+    const std::string head =
+        "P6\n" + std::to_string(width) + " " + std::to_string(height) + "\n255\n";
+    const auto rowBytes = static_cast<std::size_t>(width * bytesPerPixel);
+    std::vector<std::uint8_t> ppm;
+    ppm.reserve(head.size() + rowBytes * static_cast<std::size_t>(height));
+    ppm.insert(ppm.end(), head.begin(), head.end());
+    for (int y = 0; y < height; ++y) {
+        const std::uint8_t* row = rows + std::ptrdiff_t{y} * stride;
+        ppm.insert(ppm.end(), row, row + rowBytes);
+    }
+    return ppm;
+}
+
+}  // namespace
+
+std::optional<std::vector<std::uint8_t>> decodeHeif(const ByteSource& file) {
+    if (!isHeif(file)) return std::nullopt;
+    const HeifPointer<heif_context> context(heif_context_alloc());
+    if (!context) throw std::bad_alloc();
+    Input input(file);
+    require(heif_context_read_from_reader(context.get(), &reader, &input, nullptr));
+
+    heif_image_handle* handle = nullptr;
+    require(heif_context_get_primary_image_handle(context.get(), &handle));
+    const HeifPointer<heif_image_handle> owned(handle);
+    requireSensibleSize(*handle);
+
+    heif_image* image = nullptr;
+    require(heif_decode_image(handle, &image, heif_colorspace_RGB, heif_chroma_interleaved_RGB,
+                              nullptr));
+    const HeifPointer<const heif_image> decoded(image);
+    return asPpm(*decoded);
+}
+
+}  // namespace reference_host::media
+
+#else
+
+namespace reference_host::media {
+
+std::optional<std::vector<std::uint8_t>> decodeHeif(const ByteSource&) {
+    return std::nullopt;
+}
+
+}  // namespace reference_host::media
+
+#endif
