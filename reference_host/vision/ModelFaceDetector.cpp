@@ -109,6 +109,7 @@ public:
         std::vector<Find> finds;
         for (int row = 0; row < rows.rows; ++row) {
             const auto* values = rows.ptr<float>(row);
+            // What is no number could not be put in order.
             if (!std::all_of(values, values + height + 1,
                              [](float side) { return std::isfinite(side); }))
                 continue;

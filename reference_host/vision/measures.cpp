@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <numeric>
+#include <stdexcept>
 
 #include <opencv2/imgproc.hpp>
 
@@ -21,13 +22,16 @@ double entropyBits(const LumaHistogram& luma) {
     return bits;
 }
 
-double sharpness(const Picture& picture) {
+double sharpness(const Picture& picture) try {
+    if (picture.bgr.empty()) return 0;
     cv::Mat laplacian;
     cv::Laplacian(brightnessMatrix(picture), laplacian, CV_64F);
     cv::Scalar mean;
     cv::Scalar deviation;
     cv::meanStdDev(laplacian, mean, deviation);
     return deviation[0] * deviation[0];
+} catch (const cv::Exception& error) {
+    throw std::runtime_error("measuring the sharpness failed: " + error.err);
 }
 
 }  // namespace reference_host::vision

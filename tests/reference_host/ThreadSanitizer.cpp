@@ -1,9 +1,15 @@
-/// FFmpeg's libraries are not built for the thread sanitizer, which does not see how their threads
-/// agree among each other: what it intercepts there means nothing. Our own code stays watched.
+/// The libraries of FFmpeg and OpenCV are not built for the thread sanitizer, which does not see
+/// how their threads agree among each other: what it intercepts there means nothing. Our own code
+/// stays watched.
 extern "C" const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions() {
     return "called_from_lib:libavcodec.so\n"
            "called_from_lib:libavformat.so\n"
            "called_from_lib:libavutil.so\n"
-           "called_from_lib:libswscale.so\n";
+           "called_from_lib:libswscale.so\n"
+           "called_from_lib:libopencv_core.so\n"
+           "called_from_lib:libopencv_dnn.so\n"
+           "called_from_lib:libopencv_imgproc.so\n"
+           "called_from_lib:libopencv_objdetect.so\n"
+           "called_from_lib:libtbb.so\n";
 }

@@ -42,6 +42,10 @@ TEST(Sharpness, EvenPictureHasNone) {
     EXPECT_EQ(sharpness(Drawing(64, 48, 130).picture()), 0.0);
 }
 
+TEST(Sharpness, NoPictureHasNone) {
+    EXPECT_EQ(sharpness(Picture{}), 0.0);
+}
+
 TEST(Sharpness, OneBrightPixelGivesTheExactVariance) {
     Drawing drawing(10, 10, 0);
     drawing.fill([](int x, int y) { return x == 5 && y == 5 ? 10 : 0; });
