@@ -1,6 +1,7 @@
 #include "autotrim/Materials.h"
 
 #include <algorithm>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -74,6 +75,12 @@ bool awaitsFaces(const FileReport& report, const Options& options) {
            !report.results.front().faces;
 }
 
+/// Whether the file is one that ends as JSON does: a disk that is full leaves none, or a part.
+bool isWhole(const std::filesystem::path& resultFile) {
+    std::ifstream stream(resultFile, std::ios::binary | std::ios::ate);
+    return stream && stream.seekg(-1, std::ios::end) && stream.get() == '}';
+}
+
 /// Whether the material has a cache and its records are not there. A file that is there and cannot
 /// be written holds those of an earlier run.
 bool lacksKeptRecords(KOR::IDmBaseObj& material) {
@@ -81,7 +88,8 @@ bool lacksKeptRecords(KOR::IDmBaseObj& material) {
         static_cast<KOR::IDmSourceMedia*>(material.queryInterface("IDmSourceMedia"));
     const std::filesystem::path cache(
         media->getSource()->getMediaInfoText(KOR::mediaInfoKey::media_cache));
-    return !cache.empty() && access((cache / "analysis" / "result.json").c_str(), W_OK) != 0;
+    const std::filesystem::path resultFile = cache / "analysis" / "result.json";
+    return !cache.empty() && (access(resultFile.c_str(), W_OK) != 0 || !isWhole(resultFile));
 }
 
 }  // namespace

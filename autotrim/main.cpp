@@ -133,10 +133,12 @@ int start(const std::vector<std::string>& arguments) {
 
 int main(int argc, char* argv[]) {
     autotrim::reserveStandardStreams();
+    int exitCode = autotrim::exitSomeFailed;
     try {
-        return autotrim::start({argv + 1, argv + argc});
+        exitCode = autotrim::start({argv + 1, argv + argc});
     } catch (const std::exception& error) {
         autotrim::say(error.what());
-        return autotrim::exitSomeFailed;
     }
+    reference_host::endAllRuns();
+    return exitCode;
 }

@@ -55,6 +55,11 @@ std::optional<std::int32_t> facesAt(KOR::IDmBaseObj& material, std::int64_t posi
 /// file, where it cannot be read or is no such model.
 void useFaceModel(const std::filesystem::path& model);
 
+/// Stops all tasks and waits until nothing of them runs any more. For the end of a program: a run
+/// that was stopped or given up may still be busy with a picture, by libraries that do not outlive
+/// `main`. No task may be started on another thread meanwhile.
+void endAllRuns();
+
 /// Sends the host's log (number 0), FFmpeg's messages included, to the end of `file`. Until this is
 /// called there is no log, and FFmpeg's messages are dropped. Throws std::runtime_error, which
 /// names the file, when it cannot be written; no directory is created for it.

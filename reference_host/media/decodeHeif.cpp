@@ -20,6 +20,9 @@ constexpr std::int64_t bytesPerPixel = 3;
 /// What is enough to recognise the format: the first box with its brands.
 constexpr std::size_t headBytes = 64;
 
+/// With less there is no brand.
+constexpr std::ptrdiff_t smallestHeadBytes = 12;
+
 struct HeifFree {
     void operator()(heif_context* context) const { heif_context_free(context); }
     void operator()(heif_image_handle* handle) const { heif_image_handle_release(handle); }
@@ -31,7 +34,10 @@ using HeifPointer = std::unique_ptr<Object, HeifFree>;
 
 void require(const heif_error& error) {
     if (error.code == heif_error_Ok) return;
-    throw MediaError(std::string("its picture cannot be decoded (") + error.message + ")");
+    // Some messages end with an empty line.
+    std::string reason = error.message;
+    reason.erase(reason.find_last_not_of(" \n") + 1);
+    throw MediaError("its picture cannot be decoded (" + reason + ")");
 }
 
 /// A file that libheif reads, one piece after the other.
@@ -78,8 +84,10 @@ constexpr heif_reader reader{.reader_api_version = 1,
 bool isHeif(const ByteSource& file) {
     std::array<std::uint8_t, headBytes> head{};
     const std::ptrdiff_t got = file.readAt(0, head.data(), head.size());
-    return got > 0 &&
-           heif_check_filetype(head.data(), static_cast<int>(got)) == heif_filetype_yes_supported;
+    if (got < smallestHeadBytes) return false;
+    // Maybe: pictures that do not say by which codec.
+    const heif_filetype_result type = heif_check_filetype(head.data(), static_cast<int>(got));
+    return type == heif_filetype_yes_supported || type == heif_filetype_maybe;
 }
 
 /// Checks what the file declares, before any of it is decoded.

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "reference_host/ReferenceHost.h"
+
 namespace reference_host {
 
 Workers& Workers::instance() {
@@ -37,19 +39,31 @@ void Workers::retire(std::list<Worker>::iterator worker) {
     retired_.notify_all();
 }
 
-Workers::~Workers() {
-    std::unique_lock lock(mutex_);
-    // A listener that ends the process does so on one of these threads, which never retires.
-    std::size_t left = 0;
-    for (Worker& worker : running_) {
-        worker.run.request_stop();
-        if (worker.thread.get_id() != std::this_thread::get_id()) continue;
-        worker.thread.detach();
-        left = 1;
+void Workers::endAll() {
+    std::list<Worker> ended;
+    {
+        std::unique_lock lock(mutex_);
+        std::size_t own = 0;
+        for (Worker& worker : running_) {
+            worker.run.request_stop();
+            if (worker.thread.get_id() == std::this_thread::get_id()) own = 1;
+        }
+        retired_.wait(lock, [&] { return running_.size() <= own; });
+        ended.swap(ended_);
     }
-    retired_.wait(lock, [&] { return running_.size() == left; });
-    for (Worker& worker : ended_)
+    for (Worker& worker : ended)
         worker.thread.join();
+}
+
+Workers::~Workers() {
+    endAll();
+    // A listener that ends the process does so on one of these threads, which never retires.
+    for (Worker& worker : running_)
+        worker.thread.detach();
+}
+
+void endAllRuns() {
+    Workers::instance().endAll();
 }
 
 }  // namespace reference_host

@@ -13,7 +13,9 @@ namespace reference_host {
 ///
 /// A run that is stopped is given up, not waited for: its thread comes to its end by itself. No
 /// thread is left behind, though: those that have ended are joined when the next one begins, and
-/// all of them when the process ends or the library is unloaded. Any thread.
+/// all of them when the process ends or the library is unloaded. By then, libraries that runs use
+/// may have taken their own things down: endAll() is for a program that ends while runs may go on.
+/// Any thread.
 class Workers {
 public:
     static Workers& instance();
@@ -24,6 +26,9 @@ public:
     /// Runs `work` on a thread of its own. `run` is asked to stop when the process ends. Throws
     /// std::system_error where no thread can be had.
     void launch(std::stop_source run, std::function<void()> work);
+
+    /// Stops all runs and waits until they have ended, save one that calls this itself.
+    void endAll();
 
 private:
     struct Worker {

@@ -170,6 +170,22 @@ TEST(Program, WarnsOnceOfACacheThatCannotBeWritten) {
                                 ": warning: results could not be kept in this directory\n");
 }
 
+TEST(Program, WarnsOfResultsThatTheDiskDidNotTake) {
+    const TemporaryDirectory cache;
+    const std::vector<std::string> arguments = {"--cache", cache.path().string(), "two.mp4"};
+    EXPECT_EQ(run(arguments).errors, "");
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(cache.path())) {
+        if (entry.path().filename() != "result.json") continue;
+        std::filesystem::remove(entry.path());
+        // Can be opened, but takes nothing.
+        std::filesystem::create_symlink("/dev/full", entry.path());
+    }
+    const Ended ended = run(arguments);
+    EXPECT_EQ(ended.exitCode, exitAllDone);
+    EXPECT_EQ(ended.errors, "autotrim: " + cache.path().string() +
+                                ": warning: results could not be kept in this directory\n");
+}
+
 TEST(Program, GivesTheSameFileTwoEntries) {
     const TemporaryDirectory cache;
     const Json materials =

@@ -174,6 +174,18 @@ TEST(Photo, OfHeifIsTurnedOnce) {
     expectTurned(pictureOf(file), allTurned[5]);
 }
 
+TEST(Photo, OfHeifNeedNotSayItsCodecFirst) {
+#ifndef REFERENCE_HOST_HAS_LIBHEIF
+    GTEST_SKIP() << "built without libheif";
+#endif
+    const FootageFiles files;
+    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
+    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    // The brand, behind the size and the type of the first box.
+    FootageFiles::patch(file, 8, "mif1");
+    EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
+}
+
 TEST(Photo, OfHeifThatIsDamagedIsRefused) {
 #ifndef REFERENCE_HOST_HAS_LIBHEIF
     GTEST_SKIP() << "built without libheif";
@@ -183,6 +195,7 @@ TEST(Photo, OfHeifThatIsDamagedIsRefused) {
     if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
     FootageFiles::truncate(file, 0.8);
     EXPECT_NE(refusalOf(file), "");
+    EXPECT_EQ(refusalOf(file).find('\n'), std::string::npos);
 }
 
 TEST(Photo, OfManyPixelsKeepsTheSideThatIsLookedAt) {

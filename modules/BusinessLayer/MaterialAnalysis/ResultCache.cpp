@@ -24,7 +24,7 @@ bool KorMaterialAnalysis::saveMaterialAnalysisResult(
     const Path directory = PathUtil::join(Path(mediaCache), Path("/analysis"));
     if (!PathUtil::exists(directory)) DirUtil::create(directory);
 
-    // Complete in memory before the file is opened, so that no half of it can be left behind.
+    // Complete in memory before the file is opened: what fails until then leaves the file alone.
     const std::string text = resultCacheText(
         {resultVersion, analysisKinds, minScenceDuration, scenceDetectionThreshold}, results);
     const Path file = PathUtil::join(directory, Path("/result.json"));
