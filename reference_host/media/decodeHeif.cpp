@@ -31,7 +31,10 @@ using HeifPointer = std::unique_ptr<Object, HeifFree>;
 
 void require(const heif_error& error) {
     if (error.code == heif_error_Ok) return;
-    throw MediaError(std::string("its picture cannot be decoded (") + error.message + ")");
+    // Some messages end with a line feed.
+    std::string reason = error.message;
+    reason.erase(reason.find_last_not_of('\n') + 1);
+    throw MediaError("its picture cannot be decoded (" + reason + ")");
 }
 
 /// A file that libheif reads, one piece after the other.
@@ -82,10 +85,7 @@ bool isHeif(const ByteSource& file) {
            heif_check_filetype(head.data(), static_cast<int>(got)) == heif_filetype_yes_supported;
 }
 
-/// Checks what the file declares, before any of it is decoded.
-void requireSensibleSize(const heif_image_handle& handle) {
-    const std::int64_t width = heif_image_handle_get_width(&handle);
-    const std::int64_t height = heif_image_handle_get_height(&handle);
+void requireSensibleSize(std::int64_t width, std::int64_t height) {
     const std::int64_t pixels = width * height;
     if (pixels <= std::min(maxPicturePixels, maxPictureBytes / bytesPerPixel)) return;
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
@@ -131,6 +131,7 @@ std::vector<std::uint8_t> asBmp(const heif_image& image) {
     const int width = heif_image_get_width(&image, heif_channel_interleaved);
     const int height = heif_image_get_height(&image, heif_channel_interleaved);
     if (rows == nullptr || width <= 0 || height <= 0) throw MediaError("it holds no picture");
+    requireSensibleSize(width, height);
 
     // Rows take multiples of four bytes.
     const std::size_t rowBytes = (static_cast<std::size_t>(width) * bytesPerPixel + 3) / 4 * 4;
@@ -158,7 +159,12 @@ std::optional<std::vector<std::uint8_t>> decodeHeif(const ByteSource& file) {
     heif_image_handle* handle = nullptr;
     require(heif_context_get_primary_image_handle(context.get(), &handle));
     const HeifPointer<heif_image_handle> owned(handle);
-    requireSensibleSize(*handle);
+    // What the file declares, before any of it is decoded. A picture put together from others can
+    // turn out larger than that; libheif refuses those whose side reaches its limit.
+    const int width = heif_image_handle_get_width(handle);
+    const int height = heif_image_handle_get_height(handle);
+    requireSensibleSize(width, height);
+    heif_context_set_maximum_image_size_limit(context.get(), std::max(width, height) + 1);
 
     heif_image* image = nullptr;
     require(heif_decode_image(handle, &image, heif_colorspace_RGB, heif_chroma_interleaved_RGB,
