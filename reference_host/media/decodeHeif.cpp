@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::int64_t bytesPerPixel = 3;
 
-/// What is enough to recognise the format: the first box with its brands.
-constexpr std::size_t headBytes = 64;
+/// What is enough to recognise the format: the first box as far as its main brand.
+constexpr std::size_t headBytes = 12;
 
 struct HeifFree {
     void operator()(heif_context* context) const { heif_context_free(context); }
@@ -78,11 +78,14 @@ constexpr heif_reader reader{.reader_api_version = 1,
                              .seek = Input::seek,
                              .wait_for_file_size = Input::waitForSize};
 
+/// Photos only: what begins with the brand of a sequence of pictures is a video to FFmpeg.
 bool isHeif(const ByteSource& file) {
     std::array<std::uint8_t, headBytes> head{};
-    const std::ptrdiff_t got = file.readAt(0, head.data(), head.size());
-    return got > 0 &&
-           heif_check_filetype(head.data(), static_cast<int>(got)) == heif_filetype_yes_supported;
+    if (file.readAt(0, head.data(), head.size()) != std::ptrdiff_t{headBytes}) return false;
+    // The brand of all photos, which does not tell how they are coded, is not enough for libheif to
+    // be sure that it can read one.
+    return heif_check_filetype(head.data(), headBytes) == heif_filetype_yes_supported ||
+           heif_read_main_brand(head.data(), headBytes) == heif_fourcc_to_brand("mif1");
 }
 
 void requireSensibleSize(std::int64_t width, std::int64_t height) {

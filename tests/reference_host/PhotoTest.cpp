@@ -159,6 +159,17 @@ TEST(Photo, IsReadFromHeifAndAvif) {
     }
 }
 
+TEST(Photo, OfHeifMayHaveTheBrandOfAllPhotos) {
+#ifndef REFERENCE_HOST_HAS_LIBHEIF
+    GTEST_SKIP() << "built without libheif";
+#endif
+    const FootageFiles files;
+    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
+    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    FootageFiles::patch(file, 8, "mif1");
+    EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
+}
+
 TEST(Photo, OfHeifIsTurnedOnce) {
 #ifndef REFERENCE_HOST_HAS_LIBHEIF
     GTEST_SKIP() << "built without libheif";
