@@ -54,6 +54,23 @@ bool isDrawnText(AVCodecID codec) {
     }
 }
 
+/// Up to how many pixels FFmpeg may go by itself when it looks at a stream.
+std::int64_t maxPixelsOfFirstLook(AVCodecID codec) {
+    switch (codec) {
+        case AV_CODEC_ID_PAM:
+        case AV_CODEC_ID_PBM:
+        case AV_CODEC_ID_PFM:
+        case AV_CODEC_ID_PGM:
+        case AV_CODEC_ID_PGMYUV:
+        case AV_CODEC_ID_PPM:
+            // Their size tells where they end, so what stops the first look stops all reading. That
+            // look decodes nothing, since the head of the file tells all.
+            return maxPicturePixels;
+        default:
+            return maxProbedPixels;
+    }
+}
+
 bool isAttached(const AVStream& stream) {
     return (stream.disposition & (AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS)) !=
            0;
@@ -106,9 +123,10 @@ void Container::open() {
 void Container::inspectStreams() {
     std::vector<Options> options(context_->nb_streams);
     std::vector<AVDictionary*> entries;
-    for (Options& option : options) {
-        option.set("max_pixels", std::to_string(maxProbedPixels));
-        entries.push_back(std::exchange(*option.get(), nullptr));
+    for (std::size_t i = 0; i < options.size(); ++i) {
+        const AVCodecID codec = context_->streams[i]->codecpar->codec_id;
+        options[i].set("max_pixels", std::to_string(maxPixelsOfFirstLook(codec)));
+        entries.push_back(std::exchange(*options[i].get(), nullptr));
     }
     const int found = avformat_find_stream_info(context_.get(), entries.data());
     for (std::size_t i = 0; i < options.size(); ++i)

@@ -32,33 +32,17 @@ int threadCount(const AVCodecParameters& codec, Decoder::Threads threads) {
 }
 
 /// Returns how often a picture can be halved before it is smaller than those that are looked at.
-int halvings(const AVCodecParameters& parameters, const AVCodec& codec) {
-    const int side = std::max(parameters.width, parameters.height);
+int halvingsOf(int widthPx, int heightPx, const AVCodec& codec) {
+    const int side = std::max(widthPx, heightPx);
     int count = 0;
     while (count < codec.max_lowres && side >> (count + 1) >= vision::maxPictureSidePx)
         ++count;
     return count;
 }
 
-/// Gives a frame its memory unless it would be more than maxPictureBytes.
-int allocate(AVCodecContext* context, AVFrame* frame, int flags) {
-    const int bytes = av_image_get_buffer_size(static_cast<AVPixelFormat>(frame->format),
-                                               frame->width, frame->height, 1);
-    if (bytes < 0) return bytes;
-    if (bytes > maxPictureBytes) {
-        av_log(context, AV_LOG_ERROR,
-               "Picture of %dx%d takes %d bytes: the limit is %" PRId64 " bytes\n", frame->width,
-               frame->height, bytes, maxPictureBytes);
-        return AVERROR(EINVAL);
-    }
-    return avcodec_default_get_buffer2(context, frame, flags);
-}
-
-/// Has allocate() called by the decoder's threads themselves: otherwise older versions of FFmpeg
+/// Has get_buffer2 called by the decoder's threads themselves: otherwise older versions of FFmpeg
 /// make them take turns. Newer ones expect it of every such function.
-void limitPictures(AVCodecContext& context) {
-    context.max_pixels = maxPicturePixels;
-    context.get_buffer2 = allocate;
+void allowThreadsToAllocate([[maybe_unused]] AVCodecContext& context) {
 #if LIBAVCODEC_VERSION_MAJOR < 60
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
@@ -70,26 +54,67 @@ void limitPictures(AVCodecContext& context) {
 }  // namespace
 
 Decoder::Decoder(const AVStream& stream, Threads threads, Size size)
-    : frame_(adopt(av_frame_alloc())) {
+    : stream_(stream), frame_(adopt(av_frame_alloc())) {
     const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
     if (codec == nullptr) {
         throw MediaError(std::string("there is no decoder for its format ") +
                          avcodec_get_name(parameters.codec_id));
     }
-    context_ = adopt(avcodec_alloc_context3(codec));
+    const bool isReduced = size == Size::reduced;
+    awaitsSize_ = isReduced && parameters.width <= 0 && codec->max_lowres > 0;
+    open(*codec, threads, isReduced ? halvingsOf(parameters.width, parameters.height, *codec) : 0);
+}
+
+void Decoder::open(const AVCodec& codec, Threads threads, int halvings) {
+    const AVCodecParameters& parameters = *stream_.codecpar;
+    context_ = adopt(avcodec_alloc_context3(&codec));
     if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
-    context_->pkt_timebase = stream.time_base;
-    limitPictures(*context_);
-    if (size == Size::reduced) context_->lowres = halvings(parameters, *codec);
+    context_->pkt_timebase = stream_.time_base;
+    context_->max_pixels = maxPicturePixels;
+    context_->opaque = this;
+    context_->get_buffer2 = allocate;
+    allowThreadsToAllocate(*context_);
+    context_->lowres = halvings;
     context_->thread_count = threadCount(parameters, threads);
     const FirstError error;
-    if (avcodec_open2(context_.get(), codec, nullptr) < 0) {
+    if (avcodec_open2(context_.get(), &codec, nullptr) < 0) {
         throw MediaError(error.explain("its pictures cannot be decoded"));
     }
 }
 
+/// Gives a frame its memory unless it would be more than maxPictureBytes, or only its size is asked
+/// for.
+int Decoder::allocate(AVCodecContext* context, AVFrame* frame, int flags) {
+    const int bytes = av_image_get_buffer_size(static_cast<AVPixelFormat>(frame->format),
+                                               frame->width, frame->height, 1);
+    if (bytes < 0) return bytes;
+    if (bytes > maxPictureBytes) {
+        av_log(context, AV_LOG_ERROR,
+               "Picture of %dx%d takes %d bytes: the limit is %" PRId64 " bytes\n", frame->width,
+               frame->height, bytes, maxPictureBytes);
+        return AVERROR(EINVAL);
+    }
+    auto& decoder = *static_cast<Decoder*>(context->opaque);
+    if (decoder.awaitsSize_) {
+        decoder.halvings_ = halvingsOf(context->width, context->height, *context->codec);
+        return AVERROR(EAGAIN);
+    }
+    return avcodec_default_get_buffer2(context, frame, flags);
+}
+
+void Decoder::learnSize(const AVPacket& packet) {
+    {
+        // That the picture is not decoded yet is no error.
+        const FirstError aside;
+        avcodec_send_packet(context_.get(), &packet);
+    }
+    awaitsSize_ = false;
+    open(*context_->codec, Threads::one, halvings_);
+}
+
 void Decoder::send(const AVPacket* packet) {
+    if (awaitsSize_ && packet != nullptr) learnSize(*packet);
     const int result = avcodec_send_packet(context_.get(), packet);
     if (result < 0 && result != AVERROR_EOF) ++lost_;
 }

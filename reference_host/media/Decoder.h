@@ -20,8 +20,10 @@ public:
         reduced  ///< by halves, where the codec can; the longer side keeps vision::maxPictureSidePx
     };
 
-    /// Throws MediaError where the stream cannot be decoded.
+    /// `stream` has to outlive this. Throws MediaError where it cannot be decoded.
     Decoder(const AVStream& stream, Threads threads, Size size);
+    Decoder(const Decoder&) = delete;
+    Decoder& operator=(const Decoder&) = delete;
 
     /// Takes the next packet, or null at the end. Call it when receive() has given null.
     void send(const AVPacket* packet);
@@ -43,7 +45,17 @@ public:
     std::int64_t met() const { return decoded_ + lost_; }
 
 private:
+    static int allocate(AVCodecContext* context, AVFrame* frame, int flags);
+    void open(const AVCodec& codec, Threads threads, int halvings);
+    void learnSize(const AVPacket& packet);
+
+    const AVStream& stream_;
     AvPointer<AVCodecContext> context_;
+    /// Pictures are to be reduced, and only their own heads tell how large they are: the container
+    /// does not, and FFmpeg's first look was not allowed to. So the first one is begun twice.
+    bool awaitsSize_ = false;
+    /// What was learnt from it: how often it can be halved.
+    int halvings_ = 0;
     AvPointer<AVFrame> frame_;
     std::int64_t decoded_ = 0;
     std::int64_t incomplete_ = 0;

@@ -13,8 +13,8 @@ namespace reference_host::media {
 /// Reads single pictures of a media file. Belongs to one thread at a time.
 ///
 /// A position is reached from the key frame before it, and positions that are asked for in
-/// ascending order share the way. Footage whose packets carry no timestamps is decoded from its
-/// beginning once, since nobody else knows where its frames are.
+/// ascending order share the way. Footage whose packets lack timestamps, step back in time or share
+/// one is decoded from its beginning once, since nobody else knows where its frames are.
 class PositionReader {
 public:
     /// Opens `file`, of which `facts` were found before. Reading ends soon after `stop` is

@@ -106,7 +106,8 @@ LumaHistogram countPalette(const AVFrame& frame) {
 
 LumaHistogram countLumaSamples(const AVFrame& frame, const AVPixFmtDescriptor& description) {
     const AVComponentDescriptor& luma = description.comp[0];
-    const std::vector<std::uint8_t> levels = levelsOf(luma.depth, isFullRange(frame));
+    std::vector<std::uint8_t> levels = levelsOf(luma.depth, isFullRange(frame));
+    if (frame.format == AV_PIX_FMT_MONOWHITE) std::reverse(levels.begin(), levels.end());
     if (luma.depth == 8 && luma.step == 1) return mapped(countBytes(frame), levels);
 
     LumaHistogram histogram{};
@@ -148,8 +149,8 @@ LumaHistogram countColours(const AVFrame& frame, const AVPixFmtDescriptor& descr
 
 /// Says whether all samples are integers that can be read one by one and mean what they say.
 bool isReadable(const AVPixFmtDescriptor& description, AVPixelFormat format) {
-    constexpr std::uint64_t unreadable = AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL |
-                                         AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT;
+    constexpr std::uint64_t unreadable =
+        AV_PIX_FMT_FLAG_HWACCEL | AV_PIX_FMT_FLAG_BAYER | AV_PIX_FMT_FLAG_FLOAT;
     const bool isXyz = format == AV_PIX_FMT_XYZ12LE || format == AV_PIX_FMT_XYZ12BE;
     return (description.flags & unreadable) == 0 && !isXyz &&
            std::all_of(description.comp, description.comp + description.nb_components,

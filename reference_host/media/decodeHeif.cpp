@@ -17,11 +17,8 @@ namespace {
 
 constexpr std::int64_t bytesPerPixel = 3;
 
-/// What is enough to recognise the format: the first box with its brands.
-constexpr std::size_t headBytes = 64;
-
-/// With less there is no brand.
-constexpr std::ptrdiff_t smallestHeadBytes = 12;
+/// What is enough to recognise the format: the first box as far as its main brand.
+constexpr std::size_t headBytes = 12;
 
 struct HeifFree {
     void operator()(heif_context* context) const { heif_context_free(context); }
@@ -34,9 +31,9 @@ using HeifPointer = std::unique_ptr<Object, HeifFree>;
 
 void require(const heif_error& error) {
     if (error.code == heif_error_Ok) return;
-    // Some messages end with an empty line.
+    // Some messages end with a line feed.
     std::string reason = error.message;
-    reason.erase(reason.find_last_not_of(" \n") + 1);
+    reason.erase(reason.find_last_not_of('\n') + 1);
     throw MediaError("its picture cannot be decoded (" + reason + ")");
 }
 
@@ -81,19 +78,17 @@ constexpr heif_reader reader{.reader_api_version = 1,
                              .seek = Input::seek,
                              .wait_for_file_size = Input::waitForSize};
 
+/// Photos only: what begins with the brand of a sequence of pictures is a video to FFmpeg.
 bool isHeif(const ByteSource& file) {
     std::array<std::uint8_t, headBytes> head{};
-    const std::ptrdiff_t got = file.readAt(0, head.data(), head.size());
-    if (got < smallestHeadBytes) return false;
-    // Maybe: pictures that do not say by which codec.
-    const heif_filetype_result type = heif_check_filetype(head.data(), static_cast<int>(got));
-    return type == heif_filetype_yes_supported || type == heif_filetype_maybe;
+    if (file.readAt(0, head.data(), head.size()) != std::ptrdiff_t{headBytes}) return false;
+    // The brand of all photos, which does not tell how they are coded, is not enough for libheif to
+    // be sure that it can read one.
+    return heif_check_filetype(head.data(), headBytes) == heif_filetype_yes_supported ||
+           heif_read_main_brand(head.data(), headBytes) == heif_fourcc_to_brand("mif1");
 }
 
-/// Checks what the file declares, before any of it is decoded.
-void requireSensibleSize(const heif_image_handle& handle) {
-    const std::int64_t width = heif_image_handle_get_width(&handle);
-    const std::int64_t height = heif_image_handle_get_height(&handle);
+void requireSensibleSize(std::int64_t width, std::int64_t height) {
     const std::int64_t pixels = width * height;
     if (pixels <= std::min(maxPicturePixels, maxPictureBytes / bytesPerPixel)) return;
     const std::string size = std::to_string(width) + "x" + std::to_string(height);
@@ -139,6 +134,7 @@ std::vector<std::uint8_t> asBmp(const heif_image& image) {
     const int width = heif_image_get_width(&image, heif_channel_interleaved);
     const int height = heif_image_get_height(&image, heif_channel_interleaved);
     if (rows == nullptr || width <= 0 || height <= 0) throw MediaError("it holds no picture");
+    requireSensibleSize(width, height);
 
     // Rows take multiples of four bytes.
     const std::size_t rowBytes = (static_cast<std::size_t>(width) * bytesPerPixel + 3) / 4 * 4;
@@ -166,7 +162,12 @@ std::optional<std::vector<std::uint8_t>> decodeHeif(const ByteSource& file) {
     heif_image_handle* handle = nullptr;
     require(heif_context_get_primary_image_handle(context.get(), &handle));
     const HeifPointer<heif_image_handle> owned(handle);
-    requireSensibleSize(*handle);
+    // What the file declares, before any of it is decoded. A picture put together from others can
+    // turn out larger than that; libheif refuses those whose side reaches its limit.
+    const int width = heif_image_handle_get_width(handle);
+    const int height = heif_image_handle_get_height(handle);
+    requireSensibleSize(width, height);
+    heif_context_set_maximum_image_size_limit(context.get(), std::max(width, height) + 1);
 
     heif_image* image = nullptr;
     require(heif_decode_image(handle, &image, heif_colorspace_RGB, heif_chroma_interleaved_RGB,

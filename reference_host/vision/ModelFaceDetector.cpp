@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -35,11 +36,12 @@ enum Column { left, top, width, height, score = 14 };
 
 /// Keeps OpenCV from writing to the standard error output for as long as it lives: what goes wrong
 /// is told by exceptions. This is a setting of the whole process, so it is held while a model is
-/// loaded only.
+/// loaded only, by one thread at a time: each puts back what it has found.
 class Silence {
 public:
     Silence()
-        : handler_(cv::redirectError(
+        : lock_(turn()),
+          handler_(cv::redirectError(
               [](int, const char*, const char*, const char*, int, void*) { return 0; })),
           level_(cv::utils::logging::setLogLevel(cv::utils::logging::LOG_LEVEL_SILENT)) {}
     Silence(const Silence&) = delete;
@@ -50,6 +52,12 @@ public:
     }
 
 private:
+    static std::mutex& turn() {
+        static std::mutex mutex;
+        return mutex;
+    }
+
+    std::scoped_lock<std::mutex> lock_;
     cv::ErrorCallback handler_;
     cv::utils::logging::LogLevel level_;
 };

@@ -159,6 +159,17 @@ TEST(Photo, IsReadFromHeifAndAvif) {
     }
 }
 
+TEST(Photo, OfHeifMayHaveTheBrandOfAllPhotos) {
+#ifndef REFERENCE_HOST_HAS_LIBHEIF
+    GTEST_SKIP() << "built without libheif";
+#endif
+    const FootageFiles files;
+    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
+    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    FootageFiles::patch(file, 8, "mif1");
+    EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
+}
+
 TEST(Photo, OfHeifIsTurnedOnce) {
 #ifndef REFERENCE_HOST_HAS_LIBHEIF
     GTEST_SKIP() << "built without libheif";
@@ -198,6 +209,37 @@ TEST(Photo, OfHeifThatIsDamagedIsRefused) {
     EXPECT_EQ(refusalOf(file).find('\n'), std::string::npos);
 }
 
+TEST(Photo, OfHeifIsReadWhateverItsSize) {
+#ifndef REFERENCE_HOST_HAS_LIBHEIF
+    GTEST_SKIP() << "built without libheif";
+#endif
+    const FootageFiles files;
+    // More than what FFmpeg decodes by itself to find out about a stream.
+    const auto file = heifOf(files, files.make("a.png", quarters("6000x6000")), "a.avif", "-A");
+    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
+}
+
+TEST(Photo, OfHeifIsNoLargerThanItDeclares) {
+#ifndef REFERENCE_HOST_HAS_LIBHEIF
+    GTEST_SKIP() << "built without libheif";
+#endif
+    const FootageFiles files;
+    const auto part = heifOf(files, files.make("a.png", quarters("128x128")), "a.avif", "-A");
+    if (part.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    const std::string avif = contentOf(part);
+    EXPECT_EQ(coloursIn(pictureOf(files.write("one.avif", gridOf(avif, 128, 1)))), "rgbw");
+    EXPECT_NE(refusalOf(files.write("many.avif", gridOf(avif, 128, 64))).find("limit"),
+              std::string::npos);
+}
+
+TEST(Photo, OfManyPixelsIsReadUncompressed) {
+    const FootageFiles files;
+    EXPECT_EQ(coloursIn(pictureOf(files.make("a.ppm", quarters("6000x6000")))), "rgbw");
+    EXPECT_NE(refusalOf(files.write("b.ppm", "P6\n20000 20000\n255\n")).find("the limit is"),
+              std::string::npos);
+}
+
 TEST(Photo, OfManyPixelsKeepsTheSideThatIsLookedAt) {
     const FootageFiles files;
     for (const char* size : {"5000x3751", "641x1283", "1280x720", "1279x9"}) {
@@ -220,6 +262,8 @@ TEST(Photo, IsHalvedWhileItIsDecodedWhereThatCanBe) {
     EXPECT_EQ(pixels(pictureOf(files.make("b.jpg", quarters("1300x100")))), 650 * 50);
     EXPECT_EQ(pixels(pictureOf(files.make("c.jpg", quarters("1278x100")))), 1278 * 100);
     EXPECT_EQ(pixels(pictureOf(files.make("a.png", quarters("5120x2560")))), 5120 * 2560);
+    // Too many for FFmpeg's first look to tell how many.
+    EXPECT_EQ(pixels(pictureOf(files.make("d.jpg", quarters("8000x6000")))), 1000 * 750);
 }
 
 }  // namespace

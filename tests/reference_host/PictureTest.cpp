@@ -200,17 +200,31 @@ TEST(LumaHistogram, OfDeepLimitedRangeReachesBothEnds) {
     EXPECT_NEAR(entropyOf(luma), 8, 0.01);
 }
 
-TEST(LumaHistogram, IsCountedInFormatsThatOnlyTheScalerReads) {
-    // Every bit a pixel, 1 black.
+TEST(LumaHistogram, OfSingleBitsIsBlackAndWhite) {
+    // Every bit a pixel.
     const FootageFiles files;
-    const std::string half(widthPx * heightPx / 16, '\xff');
-    const auto bytes = files.write("a.raw", half + std::string(half.size(), '\0'));
-    const LumaHistogram luma =
-        pictureOf(files.make("a.nut", "-f rawvideo -s 256x16 -pix_fmt monow -i '" + bytes.string() +
-                                          "' -c:v rawvideo"))
+    const std::string quarter(widthPx * heightPx / 8 / 4, '\xff');
+    const auto bytes = files.write("a.raw", quarter + std::string(3 * quarter.size(), '\0'));
+    const auto lumaAs = [&](const std::string& format) {
+        return pictureOf(files.make("a.nut", "-f rawvideo -s 256x16 -pix_fmt " + format + " -i '" +
+                                                 bytes.string() + "' -c:v rawvideo"))
             .luma;
-    EXPECT_EQ(luma[0], widthPx * heightPx / 2);
-    EXPECT_EQ(luma[255], widthPx * heightPx / 2);
+    };
+    EXPECT_EQ(lumaAs("monow")[0], widthPx * heightPx / 4) << "1 is black";
+    EXPECT_EQ(lumaAs("monow")[255], widthPx * heightPx * 3 / 4);
+    EXPECT_EQ(lumaAs("monob")[255], widthPx * heightPx / 4) << "1 is white";
+    EXPECT_EQ(lumaAs("monob")[0], widthPx * heightPx * 3 / 4);
+}
+
+TEST(LumaHistogram, IsCountedInFormatsThatOnlyTheScalerReads) {
+    // Numbers with a fraction: 1.0 is white.
+    const FootageFiles files;
+    std::string pixels;
+    for (int i = 0; i < widthPx * heightPx; ++i)
+        pixels += i % 4 == 0 ? std::string("\x00\x00\x80\x3f", 4) : std::string(4, '\0');
+    const LumaHistogram luma = pictureOf(files.write("a.pfm", "Pf\n256 16\n-1.0\n" + pixels)).luma;
+    EXPECT_EQ(luma[0], widthPx * heightPx * 3 / 4);
+    EXPECT_EQ(luma[255], widthPx * heightPx / 4);
 }
 
 TEST(LumaHistogram, OfPalettesIsThatOfTheirColours) {

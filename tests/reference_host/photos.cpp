@@ -68,6 +68,29 @@ std::string withEntry(const std::string& tiff, int orientation) {
     return made + number(0, 4, ByteOrder::little);
 }
 
+std::string big(std::uint32_t value, std::size_t bytes = 4) {
+    return number(value, bytes, ByteOrder::big);
+}
+
+/// A box of the MP4 family.
+std::string box(const std::string& name, const std::string& content) {
+    return big(static_cast<std::uint32_t>(content.size()) + 8) + name + content;
+}
+
+/// One that begins with a version and flags, which are 0.
+std::string fullBox(const std::string& name, const std::string& content,
+                    std::uint32_t version = 0) {
+    return box(name, big(version << 24) + content);
+}
+
+/// The whole box `name` of a file, its head included.
+std::string boxIn(const std::string& file, const std::string& name) {
+    const std::size_t place = file.find(name) - 4;
+    std::string size = file.substr(place, 4);
+    std::reverse(size.begin(), size.end());
+    return file.substr(place, numberIn(size, 0, 4));
+}
+
 }  // namespace
 
 std::string exifBlock(int orientation, ByteOrder order) {
@@ -110,6 +133,45 @@ std::string withExif(const std::string& photo, Photo format, int orientation) {
 
 std::string smallPng() {
     return pngHead + pngChunk("IHDR", std::string(13, '\0')) + pngChunk("IEND", "");
+}
+
+std::string gridOf(const std::string& avif, std::uint32_t sidePx, std::uint32_t perSide) {
+    // Item 1 is the grid, item 2 the picture in it.
+    const std::string picture = boxIn(avif, "mdat").substr(8);
+    const std::string grid = big(1, 2) + big(perSide - 1, 1) + big(perSide - 1, 1) +
+                             big(sidePx * perSide) + big(sidePx * perSide);
+    std::string parts;
+    for (std::uint32_t i = 0; i < perSide * perSide; ++i)
+        parts += big(2, 2);
+    const auto item = [](std::uint32_t id, const std::string& type) {
+        return fullBox("infe", big(id, 2) + big(0, 2) + type + big(0, 1), 2);
+    };
+    const auto place = [](std::uint32_t id, std::uint32_t where, std::size_t offset,
+                          const std::string& content) {
+        return big(id, 2) + big(where, 2) + big(0, 2) + big(1, 2) +
+               big(static_cast<std::uint32_t>(offset)) +
+               big(static_cast<std::uint32_t>(content.size()));
+    };
+    const auto head = [&](std::size_t offset) {
+        const std::string properties =
+            box("ipco", fullBox("ispe", big(sidePx) + big(sidePx)) + boxIn(avif, "av1C")) +
+            fullBox("ipma", big(2) + big(1, 2) + big(1, 1) + big(1, 1) + big(2, 2) + big(2, 1) +
+                                big(1, 1) + big(0x82, 1));
+        return box("ftyp", "avif" + big(0) + "avifmif1") +
+               fullBox(
+                   "meta",
+                   fullBox("hdlr", big(0) + "pict" + std::string(13, '\0')) +
+                       fullBox("pitm", big(1, 2)) +
+                       fullBox("iinf", big(2, 2) + item(1, "grid") + item(2, "av01")) +
+                       fullBox("iref", box("dimg", big(1, 2) + big(perSide * perSide, 2) + parts)) +
+                       box("iprp", properties) + box("idat", grid) +
+                       fullBox("iloc",
+                               big(0x44, 1) + big(0, 1) + big(2, 2) + place(1, 1, 0, grid) +
+                                   place(2, 0, offset, picture),
+                               1));
+    };
+    // The head is as long whatever stands in it.
+    return head(head(0).size() + 8) + box("mdat", picture);
 }
 
 }  // namespace reference_host_tests

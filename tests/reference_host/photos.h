@@ -23,4 +23,8 @@ std::string withExif(const std::string& photo, Photo format, int orientation);
 /// Returns a PNG as far as its chunks go: they hold no picture.
 std::string smallPng();
 
+/// Makes an AVIF that puts the picture of another one, `sidePx` square, together `perSide` times in
+/// each direction, and declares to be as small as a single one.
+std::string gridOf(const std::string& avif, std::uint32_t sidePx, std::uint32_t perSide);
+
 }  // namespace reference_host_tests

@@ -2,6 +2,8 @@
 #include <fstream>
 #include <limits>
 #include <random>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -154,6 +156,21 @@ TEST_F(FaceModel, RefusalWritesNothingElse) {
     EXPECT_EQ(refusalOf(write(unknownOperator)), noModel);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST_F(FaceModel, RefusalsAtOnceWriteNothingElse) {
+    write(OnnxModel().output("kind", {1, 2, 3}).bytes());
+    testing::internal::CaptureStderr();
+    {
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([this] {
+                for (int time = 0; time < 50; ++time)
+                    EXPECT_EQ(refusalOf(file), noModel);
+            });
+        }
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 }  // namespace
