@@ -1,6 +1,8 @@
 # What every target of ours is compiled with: link it PRIVATE.
 add_library(build_options INTERFACE)
 target_compile_options(build_options INTERFACE
+  # Scores are sums and products in the order written, on every machine.
+  -ffp-contract=off
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<BOOL:${MATERIAL_ANALYSIS_WERROR}>:-Werror>)
 

@@ -185,18 +185,6 @@ TEST(Photo, OfHeifIsTurnedOnce) {
     expectTurned(pictureOf(file), allTurned[5]);
 }
 
-TEST(Photo, OfHeifNeedNotSayItsCodecFirst) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
-    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
-    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
-    // The brand, behind the size and the type of the first box.
-    FootageFiles::patch(file, 8, "mif1");
-    EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
-}
-
 TEST(Photo, OfHeifThatIsDamagedIsRefused) {
 #ifndef REFERENCE_HOST_HAS_LIBHEIF
     GTEST_SKIP() << "built without libheif";
