@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -32,6 +33,19 @@ std::filesystem::path greyPhoto(const FootageFiles& files) {
                       "-f lavfi -i nullsrc=size=128x96 -vf "
                       "\"geq=lum='if(lt(X,W/2),50,200)':cb=128:cr=128\" "
                       "-pix_fmt gray -frames:v 1");
+}
+
+/// The entropy that a run finds in one picture: `brightness` is ffmpeg's formula for each of its
+/// pixels, in numbers of the pixel format.
+double bitsIn(const std::string& name, const std::string& size, const std::string& pixelFormat,
+              const std::string& brightness, const std::string& storage) {
+    const FootageFiles files;
+    const auto file = files.make(name, "-f lavfi -i nullsrc=size=" + size +
+                                           " -vf \"format=" + pixelFormat + ",geq=lum='" +
+                                           brightness + "':cb=128:cr=128\" -frames:v 1 " + storage);
+    AnalysisRun run({8}, file);
+    run.finish();
+    return run.entropies().at(0).entropy;
 }
 
 std::vector<std::int64_t> positionsOf(const std::vector<KOR::EntropySample>& samples) {
@@ -132,6 +146,20 @@ TEST(PictureTask, TellsSharpFromBlurred) {
     run.finish();
     ASSERT_EQ(run.blurs().size(), 2U);
     EXPECT_GT(run.blurs()[0].sharpness, 4 * run.blurs()[1].sharpness);
+}
+
+TEST(PictureTask, MeasuresTheEntropyOfFullRangeExactly) {
+    const std::string png = "-pix_fmt gray";
+    EXPECT_EQ(bitsIn("a.png", "64x64", "gray", "77", png), 0.0);
+    EXPECT_EQ(bitsIn("a.png", "64x64", "gray", "if(lt(X,W/2),3,250)", png), 1.0);
+    EXPECT_NEAR(bitsIn("a.png", "256x4", "gray", "X", png), 8.0, 1e-9);
+}
+
+TEST(PictureTask, MeasuresTheEntropyOfOtherFormatsClosely) {
+    EXPECT_NEAR(bitsIn("a.mkv", "1024x4", "gray10", "X", "-c:v ffv1"), 8.0, 0.01);
+    EXPECT_NEAR(bitsIn("a.mkv", "256x4", "yuv422p", "X", "-c:v ffv1 -color_range pc"), 8.0, 0.01);
+    // The 220 levels of limited range.
+    EXPECT_NEAR(bitsIn("a.mkv", "220x4", "yuv420p", "16+X", "-c:v ffv1"), std::log2(220.0), 0.001);
 }
 
 TEST(PictureTask, ReportsProgressThatReachesTheEnd) {
