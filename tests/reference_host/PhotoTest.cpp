@@ -132,26 +132,36 @@ TEST(Photo, IsOneInEveryFormat) {
     }
 }
 
-/// Stores a PNG by the encoder of libheif; an empty path where that is not installed.
-std::filesystem::path heifOf(const FootageFiles& files, const std::filesystem::path& png,
-                             const std::string& name, const std::string& options = "") {
-    if (std::system("command -v heif-enc >/dev/null") != 0) return {};
-    const std::string command = "heif-enc -q 90 " + options + " -o '" + files.path(name).string() +
-                                "' '" + png.string() + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
-    return files.path(name);
-}
-
-TEST(Photo, IsReadFromHeifAndAvif) {
+/// Photos that libheif reads, made by its encoder.
+class HeifPhoto : public testing::Test {
+protected:
+    void SetUp() override {
 #ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
+        GTEST_SKIP() << "built without libheif";
 #endif
-    const FootageFiles files;
-    const auto png = files.make("a.png", quarters("66x50"));
+        if (std::system("command -v heif-enc >/dev/null") != 0) {
+            GTEST_SKIP() << "heif-enc is not installed";
+        }
+    }
+
+    /// The four quarters; `options` are the encoder's.
+    std::filesystem::path heif(const std::string& name, const std::string& options = "",
+                               const std::string& size = "64x48") const {
+        const auto png = files.make("a.png", quarters(size));
+        const std::string command = "heif-enc -q 90 " + options + " -o '" +
+                                    files.path(name).string() + "' '" + png.string() +
+                                    "' >/dev/null 2>&1";
+        if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
+        return files.path(name);
+    }
+
+    FootageFiles files;
+};
+
+TEST_F(HeifPhoto, IsReadFromHeifAndAvif) {
     for (const auto& [name, options] : {std::pair{"a.heic", ""}, {"a.avif", "-A"}}) {
         SCOPED_TRACE(name);
-        const auto file = heifOf(files, png, name, options);
-        if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+        const auto file = heif(name, options, "66x50");
         EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
         EXPECT_EQ(mediaOf(import(file)).getMediaType(), KOR::mediaTypePhoto);
         EXPECT_EQ(mediaOf(import(file)).getDuration(), 1);
@@ -159,24 +169,14 @@ TEST(Photo, IsReadFromHeifAndAvif) {
     }
 }
 
-TEST(Photo, OfHeifMayHaveTheBrandOfAllPhotos) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
-    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
-    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+TEST_F(HeifPhoto, MayHaveTheBrandOfAllPhotos) {
+    const auto file = heif("a.heic");
     FootageFiles::patch(file, 8, "mif1");
     EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
 }
 
-TEST(Photo, OfHeifIsTurnedOnce) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
-    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
-    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+TEST_F(HeifPhoto, IsTurnedOnce) {
+    const auto file = heif("a.heic");
     // Makes a property that tells the depth one that turns by three quarters, which are
     // counted anticlockwise.
     const std::size_t property = contentOf(file).find("pixi");
@@ -185,36 +185,21 @@ TEST(Photo, OfHeifIsTurnedOnce) {
     expectTurned(pictureOf(file), allTurned[5]);
 }
 
-TEST(Photo, OfHeifThatIsDamagedIsRefused) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
-    const auto file = heifOf(files, files.make("a.png", quarters()), "a.heic");
-    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+TEST_F(HeifPhoto, ThatIsDamagedIsRefused) {
+    const auto file = heif("a.heic");
     FootageFiles::truncate(file, 0.8);
     EXPECT_NE(refusalOf(file), "");
     EXPECT_EQ(refusalOf(file).find('\n'), std::string::npos);
 }
 
-TEST(Photo, OfHeifIsReadWhateverItsSize) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
+TEST_F(HeifPhoto, IsReadWhateverItsSize) {
     // More than what FFmpeg decodes by itself to find out about a stream.
-    const auto file = heifOf(files, files.make("a.png", quarters("6000x6000")), "a.avif", "-A");
-    if (file.empty()) GTEST_SKIP() << "heif-enc is not installed";
+    const auto file = heif("a.avif", "-A", "6000x6000");
     EXPECT_EQ(coloursIn(pictureOf(file)), "rgbw");
 }
 
-TEST(Photo, OfHeifIsNoLargerThanItDeclares) {
-#ifndef REFERENCE_HOST_HAS_LIBHEIF
-    GTEST_SKIP() << "built without libheif";
-#endif
-    const FootageFiles files;
-    const auto part = heifOf(files, files.make("a.png", quarters("128x128")), "a.avif", "-A");
-    if (part.empty()) GTEST_SKIP() << "heif-enc is not installed";
+TEST_F(HeifPhoto, IsNoLargerThanItDeclares) {
+    const auto part = heif("a.avif", "-A", "128x128");
     const std::string avif = contentOf(part);
     EXPECT_EQ(coloursIn(pictureOf(files.write("one.avif", gridOf(avif, 128, 1)))), "rgbw");
     EXPECT_NE(refusalOf(files.write("many.avif", gridOf(avif, 128, 64))).find("limit"),
