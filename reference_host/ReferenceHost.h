@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -19,6 +20,10 @@ struct ImportedMaterial {
     KOR::IDmBaseObj* object = nullptr;
     /// Why the file is no material, in one line without its name; empty on success.
     std::string error;
+    /// 32 hex digits that name the file's content: equal for files of equal size, time of
+    /// modification and sampled content, whatever their names and places; empty when `error` is
+    /// set. It also changes with the face model in use, so analyses may be shared by it.
+    std::string contentKey;
 };
 
 /// Opens `file` as a material: a video when it holds more than one picture, a photo when exactly
@@ -32,6 +37,37 @@ struct ImportedMaterial {
 /// Once `stop` is requested, by any thread, reading gives up soon and the error is "interrupted".
 ImportedMaterial importMaterial(const std::filesystem::path& file,
                                 const std::filesystem::path& cacheRoot, std::stop_token stop = {});
+
+/// What is kept of one material below the root of a cache.
+struct CachedMaterial {
+    /// The path, made absolute, under which it was last imported, UTF-8; empty where unknown.
+    std::string file;
+    /// What the files that are kept of it take together.
+    std::uintmax_t sizeBytes = 0;
+    /// The component's `analysis/result.json` is among them.
+    bool hasResult = false;
+};
+
+/// Returns what is kept below `cacheRoot`, in ascending order of `file`; nothing where there is no
+/// such directory. What neither this host nor the component by it has made is passed over. Throws
+/// std::runtime_error, which names the root, where it cannot be read.
+std::vector<CachedMaterial> listCache(const std::filesystem::path& cacheRoot);
+
+/// What clearCache has done.
+struct ClearedCache {
+    /// Of how many materials everything that was kept is deleted.
+    std::size_t materials = 0;
+    /// What the deleted files took together.
+    std::uintmax_t sizeBytes = 0;
+    /// One line for each thing that could not be deleted: its path and why.
+    std::vector<std::string> failures;
+};
+
+/// Deletes what this host, and the component by it, have made below `cacheRoot`, and nothing else:
+/// in directories named by a content key the files of known names, then these directories where
+/// that has emptied them. The root stays. Symbolic links are neither followed nor deleted. Nothing
+/// happens where there is no such directory; throws as listCache() where it cannot be read.
+ClearedCache clearCache(const std::filesystem::path& cacheRoot);
 
 /// What has happened to a material so far.
 struct MaterialReport {

@@ -18,13 +18,23 @@ ImportedMaterial importMaterial(const std::filesystem::path& file,
         const std::string cacheDirectory =
             cacheRoot.empty() ? std::string() : (cacheRoot / cacheName(file)).string();
         auto footage = std::make_shared<Footage>(file, std::move(facts), cacheDirectory);
-        return {.object = new Material(std::move(footage)), .error = {}};
+        return {.object = new Material(std::move(footage)), .error = {}, .contentKey = {}};
     } catch (const std::bad_alloc&) {
-        return {.object = nullptr, .error = "there is not enough memory for it"};
+        return {.object = nullptr, .error = "there is not enough memory for it", .contentKey = {}};
     } catch (const std::exception& failure) {
         // What fails because it was stopped says nothing about the file.
-        return {.object = nullptr, .error = stop.stop_requested() ? "interrupted" : failure.what()};
+        return {.object = nullptr,
+                .error = stop.stop_requested() ? "interrupted" : failure.what(),
+                .contentKey = {}};
     }
+}
+
+std::vector<CachedMaterial> listCache(const std::filesystem::path&) {
+    return {};
+}
+
+ClearedCache clearCache(const std::filesystem::path&) {
+    return {};
 }
 
 MaterialReport reportOf(KOR::IDmBaseObj& material) {
