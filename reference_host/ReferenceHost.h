@@ -30,9 +30,12 @@ struct ImportedMaterial {
 /// one. Reads the whole file's packets once, without decoding them all; only where they carry no
 /// timestamps (raw streams, some old containers) everything is decoded to measure the duration.
 ///
-/// The name is taken literally, and only a regular file is opened. What is computed for the
-/// material may be kept in a directory of its own below `cacheRoot`; with an empty `cacheRoot`
-/// nothing is kept. The directory is not created here.
+/// The name is taken literally, and only a regular file is opened. What is found out about the file
+/// is kept below `cacheRoot`, in a directory named by the content key, which the component is told
+/// as the material's media cache. Where that is there already, made by the same versions of the
+/// libraries that read files, only a megabyte of samples is read of the file for its key: no packet
+/// and no picture. A cache that cannot be written or read is as good as none; with an empty
+/// `cacheRoot` nothing is kept, and nothing read but the file.
 ///
 /// Once `stop` is requested, by any thread, reading gives up soon and the error is "interrupted".
 ImportedMaterial importMaterial(const std::filesystem::path& file,
@@ -83,11 +86,14 @@ struct MaterialReport {
 MaterialReport reportOf(KOR::IDmBaseObj& material);
 
 /// Returns how many faces the last face detection on `material`, which importMaterial made, found
-/// in the picture at `positionTicks`; none where it did not look there, or could not.
+/// in the picture at `positionTicks`; none where it did not look there, or could not. For a video
+/// that has not been analysed since it was imported, this is the detection of the run whose results
+/// are in its cache; none where its counts were not kept.
 std::optional<std::int32_t> facesAt(KOR::IDmBaseObj& material, std::int64_t positionTicks);
 
 /// Has faces found by `model`, a model for OpenCV's FaceDetectorYN (ONNX), from the next analysis
-/// on, instead of by the detector that is built in. Throws std::runtime_error, which names the
+/// on, instead of by the detector that is built in. Files are to be imported after that: what one
+/// model has found is kept apart from what another has. Throws std::runtime_error, which names the
 /// file, where it cannot be read or is no such model.
 void useFaceModel(const std::filesystem::path& model);
 

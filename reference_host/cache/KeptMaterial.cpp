@@ -42,6 +42,7 @@ public:
             }
         }
         note(kept_.directory, error);
+        if (error) return std::move(kept_);
         const fs::path analysis = kept_.directory / analysisName;
         if (is(analysis, fs::file_type::directory) &&
             is(analysis / resultName, fs::file_type::regular)) {

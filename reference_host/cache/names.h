@@ -11,7 +11,7 @@ constexpr const char* factsName = "facts.json";
 
 /// Facts that are being written have this name and six more characters. A writer that is killed
 /// leaves them.
-constexpr std::string_view unfinishedFactsName = "facts.json.";
+constexpr std::string_view unfinishedFactsName = "facts.json.unfinished-";
 constexpr std::size_t unfinishedNameBytes = unfinishedFactsName.size() + 6;
 
 /// Where the component keeps its results: a directory, and the file in it.
