@@ -27,8 +27,8 @@ struct KeptFacts {
 std::string keptFactsText(const KeptFacts& facts);
 
 /// Returns the facts that `text` holds; none where they are not whole, or are such as no look at a
-/// file gives. `text` may be anything: this takes some forty times its size at most, and no depth
-/// of the stack.
+/// file gives. `text` may be anything: this takes some thirty times its size at most, and no
+/// depth of the stack.
 std::optional<KeptFacts> parseKeptFacts(std::string_view text);
 
 }  // namespace reference_host::cache

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 /// All timestamps of key frames that are ever kept take three megabytes at most, and so do faces in
 /// a hundred thousand pictures.
-constexpr std::int64_t maxBytes = std::int64_t{16} << 20;
+constexpr std::int64_t maxBytes = std::int64_t{8} << 20;
 
 /// Returns all of the file, as far as it is there.
 std::string contentOf(const media::RegularFile& file) {

@@ -43,7 +43,7 @@ void Footage::replaceFaces(FaceCounts counts) {
     if (counts == known_.faceCounts) return;
     known_.faceCounts = std::move(counts);
     // No run takes the results of a photo from the cache.
-    const bool isKept = facts().isVideo && *cacheDirectory() != '\0';
+    const bool isKept = facts().isVideo && !cacheDirectory_.empty();
     if (isKept) cache::keepFacts(cacheDirectory_, known_);
 }
 

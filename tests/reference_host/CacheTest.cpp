@@ -19,6 +19,7 @@
 #include "reference_host/tasks/FaceDetectors.h"
 #include "tests/reference_host/AnalysisRun.h"
 #include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/blindModel.h"
 
 namespace reference_host_tests {
 namespace {
@@ -263,6 +264,16 @@ TEST_F(Cache, UnfinishedFactsAreLookedPast) {
     }
 }
 
+TEST_F(Cache, NoMoreIsReadThanFactsTake) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    import(file, root());
+    const std::string text = contentOf(factsOf(file));
+    bytes(text + std::string(100, ' '))(factsOf(file));
+    EXPECT_TRUE(cache::keptFacts(directoryOf(file)));
+    bytes(text + std::string(9 << 20, ' '))(factsOf(file));
+    EXPECT_FALSE(cache::keptFacts(directoryOf(file)));
+}
+
 // Several at once.
 
 TEST_F(Cache, ImportersAtTheSameTimeAllEndWell) {
@@ -351,6 +362,7 @@ TEST_F(Cache, FacesOfPhotosAreNotKept) {
         run.finish();
         ASSERT_EQ(reference_host::facesAt(*run.material, 0), 0);
     }
+    EXPECT_EQ(cache::keptFacts(directoryOf(file)), lookAt(file));
     EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), std::nullopt);
 }
 
@@ -363,6 +375,17 @@ TEST_F(Cache, FacesWhoseFactsAreLostAreNone) {
     }
     fs::remove(factsOf(file));
     EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), std::nullopt);
+}
+
+TEST_F(Cache, EachFaceModelHasItsOwn) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    const auto cacheOf = [&] {
+        return std::string(sourceOf(import(file, root())).getMediaInfoText("media_cache"));
+    };
+    const std::string before = cacheOf();
+    reference_host::useFaceModel(files.write("model.onnx", blindModel()));
+    EXPECT_NE(cacheOf(), before);
+    EXPECT_EQ(cacheOf(), directoryOf(file));
 }
 
 }  // namespace

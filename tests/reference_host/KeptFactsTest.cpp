@@ -232,7 +232,7 @@ TEST(KeptFacts, FileIsAnAbsolutePath) {
 }
 
 TEST(KeptFacts, AnyDepthIsOnlyBroken) {
-    const std::size_t size = 16 << 20;
+    const std::size_t size = 8 << 20;
     EXPECT_FALSE(parseKeptFacts(std::string(size, '[')));
     std::string objects;
     while (objects.size() < size)
