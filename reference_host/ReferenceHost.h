@@ -22,7 +22,7 @@ struct ImportedMaterial {
     std::string error;
     /// 32 hex digits that name the file's content: equal for files of equal size, time of
     /// modification and sampled content, whatever their names and places; empty when `error` is
-    /// set. It also changes with the face model in use, so analyses may be shared by it.
+    /// set. It changes with the face model in use, too: files of equal keys have equal results.
     std::string contentKey;
 };
 
@@ -43,7 +43,8 @@ ImportedMaterial importMaterial(const std::filesystem::path& file,
 
 /// What is kept of one material below the root of a cache.
 struct CachedMaterial {
-    /// The path, made absolute, under which it was last imported, UTF-8; empty where unknown.
+    /// The path, made absolute, under which it was last imported, UTF-8 unless the name is not;
+    /// empty where unknown.
     std::string file;
     /// What the files that are kept of it take together.
     std::uintmax_t sizeBytes = 0;

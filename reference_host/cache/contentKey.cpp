@@ -18,7 +18,7 @@
 namespace reference_host::cache {
 namespace {
 
-constexpr std::int64_t blockBytes = 64 * 1024;
+constexpr std::int64_t blockBytes = std::int64_t{64} << 10;
 constexpr std::int64_t blocks = 16;
 
 constexpr std::string_view digits = "0123456789abcdef";

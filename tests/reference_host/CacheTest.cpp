@@ -204,6 +204,14 @@ Maker bytes(const std::string& text) {
     return [text](const fs::path& place) { std::ofstream(place, std::ios::binary) << text; };
 }
 
+std::string repeated(const std::string& text, std::size_t times) {
+    std::string all;
+    all.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 struct Junk {
     std::string name;
     Maker put;
@@ -216,17 +224,10 @@ std::vector<Junk> junk() {
         {"blank", bytes(" \n")},
         {"null", bytes("null")},
         {"array", bytes("[]")},
-        {"no JSON", bytes("\xff\0\x01 no JSON")},
-        {"brackets", bytes(std::string(50'000'000, '['))},
-        {"zeros", bytes("[" + std::string(8'000'000, '0') + "]")},
-        {"many numbers", bytes("{\"keyTimestamps\":[0" +
-                               [] {
-                                   std::string numbers;
-                                   for (int i = 0; i < 8'000'000; ++i)
-                                       numbers += ",0";
-                                   return numbers;
-                               }() +
-                               "]}")},
+        {"no JSON", bytes("\xff\x01 no JSON")},
+        {"brackets", bytes(repeated("[", 50'000'000))},
+        {"zeros", bytes("[" + repeated("0", 8'000'000) + "]")},
+        {"many numbers", bytes("{\"keyTimestamps\":[0" + repeated(",0", 3'500'000) + "]}")},
         {"pipe", [](const fs::path& place) { ASSERT_EQ(::mkfifo(place.c_str(), 0600), 0); }},
         {"link to nowhere",
          [](const fs::path& place) { fs::create_symlink("/nowhere/at/all", place); }},
@@ -284,6 +285,7 @@ TEST_F(Cache, ImportersAtTheSameTimeAllEndWell) {
     std::atomic<int> good = 0;
     {
         std::vector<std::jthread> threads;
+        threads.reserve(8);
         for (int i = 0; i < 8; ++i) {
             threads.emplace_back([&, i] {
                 for (int time = 0; time < 25; ++time) {
