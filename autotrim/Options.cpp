@@ -1,17 +1,13 @@
 #include "autotrim/Options.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <map>
-#include <sstream>
 #include <stdexcept>
-#include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include "autotrim/ExitCode.h"
-#include "autotrim/Utf8.h"
+#include "autotrim/Arguments.h"
 
 namespace autotrim {
 namespace {
@@ -20,9 +16,18 @@ constexpr const char* description =
     "Finds the scenes of videos, the best keyframe of each, and faces, and prints auto-trim "
     "records.";
 
-constexpr const char* exitCodes =
+constexpr const char* footer =
+    "What is kept is shown by \"autotrim cache list\" and deleted by \"autotrim cache clear\"; a "
+    "file\n"
+    "called \"cache\" that comes first is given as ./cache.\n"
     "Exit codes: 0 all done, 1 some file failed or a result could not be written, 2 wrong use,\n"
     "130 interrupted.";
+
+constexpr const char* cacheDescription = "Shows or deletes what autotrim has kept of earlier runs.";
+
+constexpr const char* cacheFooter =
+    "A file called \"cache\" is given as ./cache.\n"
+    "Exit codes: 0 all done, 1 something could not be read or deleted, 2 wrong use.";
 
 /// Reads the whole of `text` as a number, whatever the locale; the messages name no option.
 template <typename Number>
@@ -75,55 +80,11 @@ std::string nonEmptyName(const std::string& text) {
     return text;
 }
 
-// CLI11 takes "[a,b]" for a list of two names. No argument holds a zero byte: one in front of a
-// bracket, put there before and taken away after parsing, keeps such a name whole.
-constexpr char guard = '\0';
-
-std::string guarded(const std::string& argument) {
-    return argument.rfind('[', 0) == 0 ? guard + argument : argument;
-}
-
-std::string unguarded(const std::string& argument) {
-    return argument.rfind(guard, 0) == 0 ? argument.substr(1) : argument;
-}
-
-/// Throws when `argument` is an option that takes no value, with a "=", or one whose "=" is its end
-/// ("--json="): CLI11 would take the argument behind it for the value.
-void requireValueWhereItBelongs(const CLI::App& app, const std::string& argument) {
-    const std::size_t equalsSign = argument.find('=');
-    if (argument.rfind("--", 0) != 0 || equalsSign == std::string::npos) return;
-    const std::string name = argument.substr(0, equalsSign);
-    const CLI::Option* const option = app.get_option_no_throw(name);
-    if (option != nullptr && option->get_items_expected_max() == 0) {
-        throw CLI::ValidationError(name, "it takes no value");
-    }
-    if (equalsSign == argument.size() - 1) {
-        throw CLI::ValidationError(name, "no value follows the \"=\"");
-    }
-}
-
-/// Throws when the "=" of an argument before "--" is wrong.
-void requireValues(const CLI::App& app, const std::vector<std::string>& arguments) {
-    for (const std::string& argument : arguments) {
-        if (argument == "--") return;
-        requireValueWhereItBelongs(app, argument);
-    }
-}
-
-/// Adds an option whose text `parse` turns into a value; what it throws is wrong use.
-template <typename Target, typename Parse>
-CLI::Option* addOption(CLI::App& app, const std::string& name, Target& target, Parse parse,
-                       const std::string& help) {
-    return app.add_option_function<std::string>(
-        name,
-        [name, &target, parse](const std::string& text) {
-            try {
-                target = parse(unguarded(text));
-            } catch (const std::invalid_argument& error) {
-                throw CLI::ValidationError(name, error.what());
-            }
-        },
-        help);
+CacheCommand::Action parseAction(const std::string& text) {
+    if (text == "list") return CacheCommand::Action::list;
+    if (text == "clear") return CacheCommand::Action::clear;
+    throw std::invalid_argument(
+        "\"" + text + "\" is neither list nor clear (a file called \"cache\" is ./cache)");
 }
 
 std::filesystem::path defaultCacheRoot(const Environment& environment) {
@@ -152,10 +113,15 @@ void addOptions(CLI::App& app, Options& options) {
     addOption(app, "--face-model", options.faceModel, nonEmptyName,
               "Find faces by this model (ONNX) for OpenCV's FaceDetectorYN")
         ->type_name("FILE");
-    addOption(app, "--cache", options.cacheRoot, nonEmptyName,
-              "Keep results below DIR, a folder for each material (default: autotrim in your cache "
-              "directory)")
-        ->type_name("DIR");
+    CLI::Option* const cache =
+        addOption(app, "--cache", options.cacheRoot, nonEmptyName,
+                  "Keep results below DIR, a folder for each material, and take them from there "
+                  "(default: autotrim in your cache directory)")
+            ->type_name("DIR");
+    app.add_flag_callback(
+           "--no-cache", [&options] { options.cacheRoot.clear(); },
+           "Keep nothing, and take nothing that was kept")
+        ->excludes(cache);
     addOption(app, "--json", options.json, nonEmptyName,
               "Write all results as JSON to FILE; with - to the standard output, without tables")
         ->type_name("FILE|-");
@@ -166,59 +132,54 @@ void addOptions(CLI::App& app, Options& options) {
         ->type_name("FILE");
 }
 
-/// Returns the option that takes one value and was given several; empty when there is none.
-std::string repeatedOption(const CLI::App& app) {
-    for (const CLI::Option* const option : app.get_options()) {
-        if (option->get_items_expected_max() == 1 && option->count() > 1) {
-            return option->get_name();
-        }
-    }
-    return {};
-}
-
-std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
-    const std::string repeated = repeatedOption(app);
-    const bool tooMany = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
-    return tooMany && !repeated.empty() ? repeated + ": given more than once" : error.what();
-}
-
-Answer answerTo(const CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() != 0) {
-        return {exitWrongUse, "autotrim: " + printable(reasonOf(app, error)) +
-                                  "\nRun \"autotrim --help\" for how it is used.\n"};
-    }
-    std::ostringstream out;
-    app.exit(error, out, out);
-    return {exitAllDone, out.str()};
-}
-
-}  // namespace
-
-std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments,
-                                           const Environment& environment) {
+std::variant<Options, CacheCommand, Answer> parseRun(const std::vector<std::string>& arguments,
+                                                     const std::filesystem::path& cacheRoot) {
     Options options;
-    options.cacheRoot = defaultCacheRoot(environment);
+    options.cacheRoot = cacheRoot;
 
     CLI::App app(description, "autotrim");
     app.set_version_flag("--version", "autotrim " AUTOTRIM_VERSION);
-    app.footer(exitCodes);
+    app.footer(footer);
     addOptions(app, options);
     // Names are taken as raw results: converted to a list, "{}" would be none at all.
     CLI::Option* const files = app.add_option("FILE")->required();
     files->description("Videos and photos")->type_name("")->expected(1, -1)->allow_extra_args();
 
-    try {
-        requireValues(app, arguments);
-        // CLI11 takes the arguments from the back.
-        std::vector<std::string> stack(arguments.size());
-        std::transform(arguments.rbegin(), arguments.rend(), stack.begin(), guarded);
-        app.parse(std::move(stack));
-    } catch (const CLI::ParseError& error) {
-        return answerTo(app, error);
-    }
+    if (auto answer = readArguments(app, arguments)) return *answer;
     for (const std::string& file : files->results())
-        options.files.push_back(unguarded(file));
+        options.files.push_back(literal(file));
     return options;
+}
+
+std::variant<Options, CacheCommand, Answer> parseCacheCommand(
+    const std::vector<std::string>& arguments, const std::filesystem::path& cacheRoot) {
+    CacheCommand command;
+    command.cacheRoot = cacheRoot;
+
+    CLI::App app(cacheDescription, "autotrim cache");
+    app.footer(cacheFooter);
+    addOption(app, "ACTION", command.action, parseAction,
+              "list: show of which files something is kept; clear: delete it")
+        ->type_name("")
+        ->required();
+    addOption(app, "--cache", command.cacheRoot, nonEmptyName,
+              "What is kept below DIR (default: autotrim in your cache directory)")
+        ->type_name("DIR");
+
+    if (auto answer = readArguments(app, arguments)) return *answer;
+    if (command.cacheRoot.empty()) {
+        return wrongUse(app, "your home directory is not known: name a directory with --cache");
+    }
+    return command;
+}
+
+}  // namespace
+
+std::variant<Options, CacheCommand, Answer> parseOptions(const std::vector<std::string>& arguments,
+                                                         const Environment& environment) {
+    const std::filesystem::path cacheRoot = defaultCacheRoot(environment);
+    if (arguments.empty() || arguments.front() != "cache") return parseRun(arguments, cacheRoot);
+    return parseCacheCommand({arguments.begin() + 1, arguments.end()}, cacheRoot);
 }
 
 }  // namespace autotrim

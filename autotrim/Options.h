@@ -18,14 +18,14 @@ enum class ProgressStyle {
     none,
 };
 
-/// What the command line asks for.
+/// What the command line asks for, when it asks for a run.
 struct Options {
     std::vector<std::string> files;  ///< as given; at least one
     Kinds kinds = {6, 7};
     std::int32_t minSceneSeconds = 2;   ///< 0 or more
     std::int32_t minLengthSeconds = 2;  ///< 0 or more
     double threshold = 3.0;             ///< finite, above 0
-    std::filesystem::path cacheRoot;    ///< empty: nothing is kept
+    std::filesystem::path cacheRoot;    ///< empty: nothing is kept, nor taken from what was
     bool photos = false;                ///< whether photos are analysed, too
     std::optional<std::filesystem::path> faceModel;
     std::optional<std::string> json;  ///< a file's name, or jsonToStdout
@@ -36,7 +36,14 @@ struct Options {
 /// The name that sends the JSON to the standard output.
 constexpr const char* jsonToStdout = "-";
 
-/// What is to be said instead of a run, after --help, --version or wrong use.
+/// What the command line asks for, when it begins with "cache".
+struct CacheCommand {
+    enum class Action { list, clear };
+    Action action = Action::list;
+    std::filesystem::path cacheRoot;  ///< never empty
+};
+
+/// What is to be said instead of all this, after --help, --version or wrong use.
 struct Answer {
     int exitCode;
     std::string
@@ -49,8 +56,9 @@ struct Environment {
     std::string home;       ///< HOME
 };
 
-/// Reads a command line, `arguments` being what follows the program's name.
-std::variant<Options, Answer> parseOptions(const std::vector<std::string>& arguments,
-                                           const Environment& environment);
+/// Reads a command line, `arguments` being what follows the program's name. Only the very first of
+/// them makes it a CacheCommand: everywhere else "cache" is a file.
+std::variant<Options, CacheCommand, Answer> parseOptions(const std::vector<std::string>& arguments,
+                                                         const Environment& environment);
 
 }  // namespace autotrim

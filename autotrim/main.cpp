@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "autotrim/Cache.h"
 #include "autotrim/ExitCode.h"
 #include "autotrim/InterruptWatch.h"
 #include "autotrim/JsonReport.h"
@@ -85,7 +86,7 @@ int exitCodeOf(const Report& report) {
     return allDone ? exitAllDone : exitSomeFailed;
 }
 
-int run(const Options& options) {
+int analyseFiles(const Options& options) {
     RunMonitor monitor;
     InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
 
@@ -108,14 +109,7 @@ int run(const Options& options) {
     return monitor.state().interrupted ? exitInterrupted : exitCodeOf(report);
 }
 
-int start(const std::vector<std::string>& arguments) {
-    const auto parsed = parseOptions(
-        arguments, {environmentVariable("XDG_CACHE_HOME"), environmentVariable("HOME")});
-    if (const auto* answer = std::get_if<Answer>(&parsed)) {
-        std::fputs(answer->text.c_str(), answer->exitCode == exitAllDone ? stdout : stderr);
-        return answer->exitCode;
-    }
-    const auto& options = std::get<Options>(parsed);
+int run(const Options& options) {
     const std::string inDanger = fileInDanger(options);
     if (!inDanger.empty()) {
         say(inDanger, "the file would be overwritten by this run");
@@ -125,7 +119,22 @@ int start(const std::vector<std::string>& arguments) {
         say(options.log->string(), "the log would be overwritten by the results");
         return exitWrongUse;
     }
-    return run(options);
+    return analyseFiles(options);
+}
+
+int run(const CacheCommand& command) {
+    return runCacheCommand(command);
+}
+
+int run(const Answer& answer) {
+    std::fputs(answer.text.c_str(), answer.exitCode == exitAllDone ? stdout : stderr);
+    return answer.exitCode;
+}
+
+int start(const std::vector<std::string>& arguments) {
+    const auto parsed = parseOptions(
+        arguments, {environmentVariable("XDG_CACHE_HOME"), environmentVariable("HOME")});
+    return std::visit([](const auto& asked) { return run(asked); }, parsed);
 }
 
 }  // namespace

@@ -8,31 +8,36 @@ namespace {
 
 const Environment atHome{"", "/home/ada"};
 
-std::variant<Options, Answer> parse(std::vector<std::string> arguments,
-                                    const Environment& environment = atHome) {
-    return parseOptions(arguments, environment);
-}
+using Parsed = std::variant<Options, CacheCommand, Answer>;
 
-Options accepted(std::vector<std::string> arguments, const Environment& environment = atHome) {
-    auto parsed = parse(std::move(arguments), environment);
-    if (auto* options = std::get_if<Options>(&parsed)) return *options;
-    ADD_FAILURE() << std::get<Answer>(parsed).text;
+/// Returns what a command line was taken for.
+template <typename Kind>
+Kind parsedAs(const std::vector<std::string>& arguments, const Environment& environment = atHome) {
+    const Parsed parsed = parseOptions(arguments, environment);
+    if (const auto* kind = std::get_if<Kind>(&parsed)) return *kind;
+    const auto* answer = std::get_if<Answer>(&parsed);
+    ADD_FAILURE() << "taken for something else: " << (answer == nullptr ? "" : answer->text);
     return {};
 }
 
-Answer answered(std::vector<std::string> arguments) {
-    auto parsed = parse(std::move(arguments));
-    if (auto* answer = std::get_if<Answer>(&parsed)) return *answer;
-    ADD_FAILURE() << "the command line was accepted";
-    return {};
+Options accepted(const std::vector<std::string>& arguments,
+                 const Environment& environment = atHome) {
+    return parsedAs<Options>(arguments, environment);
 }
 
-/// The reason for which a command line is wrong use.
-std::string refusal(std::vector<std::string> arguments) {
-    const Answer answer = answered(std::move(arguments));
+Answer answered(const std::vector<std::string>& arguments,
+                const Environment& environment = atHome) {
+    return parsedAs<Answer>(arguments, environment);
+}
+
+/// The reason for which a command line is wrong use of `program`.
+std::string refusal(const std::vector<std::string>& arguments,
+                    const std::string& program = "autotrim",
+                    const Environment& environment = atHome) {
+    const Answer answer = answered(arguments, environment);
     EXPECT_EQ(answer.exitCode, exitWrongUse);
     const std::string prefix = "autotrim: ";
-    const std::string suffix = "\nRun \"autotrim --help\" for how it is used.\n";
+    const std::string suffix = "\nRun \"" + program + " --help\" for how it is used.\n";
     EXPECT_EQ(answer.text.substr(0, prefix.size()), prefix);
     if (answer.text.size() < prefix.size() + suffix.size()) return answer.text;
     EXPECT_EQ(answer.text.substr(answer.text.size() - suffix.size()), suffix);
@@ -81,7 +86,26 @@ TEST(Options, RefuseAValueWhereNoneIsTaken) {
     for (const std::string value : {"", "true", "false", "1", "portrait.jpg"}) {
         EXPECT_EQ(refusal({"--photos=" + value, "a"}), "--photos: it takes no value");
     }
+    EXPECT_EQ(refusal({"--no-cache=no", "a"}), "--no-cache: it takes no value");
     EXPECT_EQ(refusal({"--version=2"}), "--version: it takes no value");
+}
+
+TEST(Options, TakeNoCacheForNoDirectory) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--no-cache", "a"},
+                                                      {"a", "--no-cache"},
+                                                      {"--no-cache", "--no-cache", "a"}}) {
+        const Options options = accepted(arguments);
+        EXPECT_EQ(options.cacheRoot, "");
+        EXPECT_EQ(options.files, std::vector<std::string>{"a"});
+    }
+}
+
+TEST(Options, RefuseACacheThatIsNoCache) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--no-cache", "--cache", "kept", "a"},
+          {"--cache=kept", "--no-cache", "a"}}) {
+        EXPECT_EQ(refusal(arguments), "--cache excludes --no-cache");
+    }
 }
 
 TEST(Options, KeepFilesInOrderAndTwice) {
@@ -199,9 +223,80 @@ TEST(Options, AnswerWithHelpThatNamesEveryOption) {
     EXPECT_EQ(answer.exitCode, exitAllDone);
     for (const char* name :
          {"FILE", "--kinds", "--min-scene", "--min-length", "--threshold", "--photos",
-          "--face-model", "--cache", "--json", "--progress", "--log", "--version", "130"}) {
+          "--face-model", "--cache", "--no-cache", "--json", "--progress", "--log", "--version",
+          "autotrim cache list", "autotrim cache clear", "130"}) {
         EXPECT_NE(answer.text.find(name), std::string::npos) << name;
     }
+}
+
+CacheCommand command(const std::vector<std::string>& arguments,
+                     const Environment& environment = atHome) {
+    return parsedAs<CacheCommand>(arguments, environment);
+}
+
+/// The reason for which a command line that begins with "cache" is wrong use.
+std::string refusedCommand(const std::vector<std::string>& arguments,
+                           const Environment& environment = atHome) {
+    return refusal(arguments, "autotrim cache", environment);
+}
+
+TEST(CacheCommand, IsToListOrToClear) {
+    EXPECT_EQ(command({"cache", "list"}).action, CacheCommand::Action::list);
+    EXPECT_EQ(command({"cache", "clear"}).action, CacheCommand::Action::clear);
+    EXPECT_EQ(command({"cache", "--", "clear"}).action, CacheCommand::Action::clear);
+}
+
+TEST(CacheCommand, FindsTheSameDirectoryAsARun) {
+    EXPECT_EQ(command({"cache", "list"}).cacheRoot, "/home/ada/.cache/autotrim");
+    EXPECT_EQ(command({"cache", "list"}, {"/var/ada", ""}).cacheRoot, "/var/ada/autotrim");
+    EXPECT_EQ(command({"cache", "list", "--cache", "[a,b]"}).cacheRoot, "[a,b]");
+    EXPECT_EQ(command({"cache", "--cache=kept", "clear"}, {"", ""}).cacheRoot, "kept");
+}
+
+TEST(CacheCommand, IsRefusedWhereNoDirectoryIsKnown) {
+    for (const char* action : {"list", "clear"}) {
+        EXPECT_EQ(refusedCommand({"cache", action}, {"", "home/ada"}),
+                  "your home directory is not known: name a directory with --cache");
+    }
+}
+
+TEST(CacheCommand, IsRefusedWithoutAnAction) {
+    EXPECT_EQ(refusedCommand({"cache"}), "ACTION is required");
+    EXPECT_EQ(refusedCommand({"cache", "--cache", "kept"}), "ACTION is required");
+}
+
+TEST(CacheCommand, IsRefusedWithOtherWords) {
+    for (const std::string word : {"show", "List", "", "[list]", "clip.mp4"}) {
+        EXPECT_EQ(refusedCommand({"cache", word}),
+                  "ACTION: \"" + word +
+                      "\" is neither list nor clear (a file called \"cache\" is ./cache)");
+    }
+    for (const std::string rest : {"clear", "clip.mp4", "--photos", "--no-cache"}) {
+        EXPECT_EQ(refusedCommand({"cache", "list", rest}),
+                  "The following argument was not expected: " + rest);
+    }
+}
+
+TEST(CacheCommand, IsRefusedWithAWrongDirectory) {
+    EXPECT_EQ(refusedCommand({"cache", "list", "--cache", ""}), "--cache: the name is empty");
+    EXPECT_EQ(refusedCommand({"cache", "--cache=", "list"}), "--cache: no value follows the \"=\"");
+    EXPECT_EQ(refusedCommand({"cache", "list", "--cache", "a", "--cache", "b"}),
+              "--cache: given more than once");
+}
+
+TEST(CacheCommand, IsAFileWhereItIsNotTheFirstWord) {
+    using Files = std::vector<std::string>;
+    EXPECT_EQ(accepted({"--", "cache"}).files, Files{"cache"});
+    EXPECT_EQ(accepted({"./cache"}).files, Files{"./cache"});
+    EXPECT_EQ(accepted({"--photos", "cache"}).files, Files{"cache"});
+    EXPECT_EQ(accepted({"a", "cache", "list"}).files, (Files{"a", "cache", "list"}));
+}
+
+TEST(CacheCommand, AnswersWithHelpOfItsOwn) {
+    const Answer answer = answered({"cache", "--help"});
+    EXPECT_EQ(answer.exitCode, exitAllDone);
+    for (const char* text : {"autotrim cache ", "list", "clear", "--cache", "./cache"})
+        EXPECT_NE(answer.text.find(text), std::string::npos) << text;
 }
 
 }  // namespace
