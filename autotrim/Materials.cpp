@@ -38,8 +38,7 @@ Record recordOf(const KOR::MaterialAnalysisResult& result) {
             std::nullopt};
 }
 
-/// Takes the records out of the component. Which material each is of shows in its media pointer:
-/// names may occur twice.
+/// Takes the records out of the component. Which material each is of shows in its media pointer.
 RecordsOfMedia takeRecords(KOR::IKorMaterialAnalysis& component) {
     const Owned<KOR::IKORVoidPtrList> list(createKORAutoVoidPtrList());
     if (!list || component.getResults(list.get()) != KOR::statusOk) {
@@ -56,11 +55,6 @@ RecordsOfMedia takeRecords(KOR::IKorMaterialAnalysis& component) {
     return records;
 }
 
-void countFaces(std::vector<Record>& records, KOR::IDmBaseObj& material) {
-    for (Record& record : records)
-        record.faces = reference_host::facesAt(material, record.posOfMaxScore);
-}
-
 bool findFaces(const Kinds& kinds) {
     return std::any_of(kinds.begin(), kinds.end(), [](std::int32_t kind) {
         return kind == KOR::analysisKindFace || kind == KOR::analysisKindFaceAndEntropy;
@@ -69,14 +63,25 @@ bool findFaces(const Kinds& kinds) {
 
 /// Whether a run by `options` is to look for faces in a photo, has given it its record before that,
 /// and has not looked yet.
-bool awaitsFaces(const FileReport& report, const Options& options) {
+bool awaitsFaces(const FileReport& report, KOR::IDmBaseObj& material, const Options& options) {
     const bool isWanted = options.photos && findFaces(options.kinds);
     return isWanted && report.type == MaterialType::photo && !report.results.empty() &&
-           !report.results.front().faces;
+           !reference_host::facesAt(material, report.results.front().posOfMaxScore);
 }
 
-/// Whether the file is one that ends as JSON does: a disk that is full leaves none, or a part.
+/// The host may know of faces from an earlier run, by other kinds: what this one did not look for
+/// is left open.
+void countFaces(FileReport& report, KOR::IDmBaseObj& material, const Kinds& kinds) {
+    if (!findFaces(kinds) || report.outcome == Outcome::byDefault) return;
+    for (Record& record : report.results)
+        record.faces = reference_host::facesAt(material, record.posOfMaxScore);
+}
+
+/// Whether it is a file that ends as JSON does: a disk that is full leaves none, or a part.
 bool isWhole(const std::filesystem::path& resultFile) {
+    std::error_code notThere;
+    // Whatever else stands there could block.
+    if (!std::filesystem::is_regular_file(resultFile, notThere)) return false;
     std::ifstream stream(resultFile, std::ios::binary | std::ios::ate);
     return stream && stream.seekg(-1, std::ios::end) && stream.get() == '}';
 }
@@ -96,98 +101,114 @@ bool lacksKeptRecords(KOR::IDmBaseObj& material) {
 
 std::string Materials::open(const std::string& file, const std::filesystem::path& cacheRoot,
                             std::stop_token stop) {
-    const auto imported = reference_host::importMaterial(file, cacheRoot, std::move(stop));
-    Entry entry;
-    entry.report.file = file;
-    entry.report.error = imported.error;
-    entry.object.reset(imported.object);
-    if (entry.object) {
-        entry.media =
-            static_cast<KOR::IDmBaseMedia*>(imported.object->queryInterface("IDmBaseMedia"));
-        entry.report.type = typeOf(*entry.media);
-        entry.report.duration = entry.media->getDuration();
+    auto imported = reference_host::importMaterial(file, cacheRoot, std::move(stop));
+    Owned<KOR::IDmBaseObj> object(imported.object);
+    if (!object) {
+        skip(file, imported.error);
+        return imported.error;
     }
-    entries_.push_back(std::move(entry));
-    return imported.error;
+    files_.push_back(
+        {file, {}, indexOfMaterial(std::move(imported.contentKey), std::move(object))});
+    return {};
 }
 
 void Materials::skip(const std::string& file, const std::string& reason) {
-    Entry entry;
-    entry.report.file = file;
-    entry.report.error = reason;
-    entries_.push_back(std::move(entry));
-}
-
-bool Materials::empty() const {
-    for (const Entry& entry : entries_) {
-        if (entry.object) return false;
-    }
-    return true;
+    files_.push_back({file, reason, std::nullopt});
 }
 
 void Materials::insertInto(KOR::IKorMaterialAnalysis& component) const {
     const Owned<KOR::IKORVoidPtrList> list(createKORVoidPtrList());
     bool good = list != nullptr;
-    for (const Entry& entry : entries_) {
-        if (good && entry.object) good = list->append(entry.object.get()) == KOR::statusOk;
-    }
+    for (const Material& material : materials_)
+        good = good && list->append(material.object.get()) == KOR::statusOk;
     if (!good || component.insertMaterials(list.get(), 0) != KOR::statusOk) {
         throw std::runtime_error("the component does not take the materials");
     }
 }
 
-std::size_t Materials::latestBegun() const {
-    for (std::size_t i = entries_.size(); i-- > 0;) {
-        const Entry& entry = entries_[i];
-        if (entry.object && reference_host::reportOf(*entry.object).analysed) return i;
-    }
-    return 0;
+std::size_t Materials::reached() const {
+    const auto latest =
+        std::find_if(materials_.rbegin(), materials_.rend(), [](const Material& material) {
+            return reference_host::reportOf(*material.object).analysed;
+        });
+    return latest == materials_.rend() ? files_.size() - 1 : latest->firstFile;
 }
 
 std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
                                            const Options& options) const {
-    RecordsOfMedia records = takeRecords(component);
-    std::vector<FileReport> reports(entries_.size());
-    // From the last to the first, as a run that has touched a material has passed those before it.
-    bool passed = end == RunEnd::complete;
-    for (std::size_t i = entries_.size(); i-- > 0;) {
-        const Entry& entry = entries_[i];
-        reports[i] = entry.report;
-        if (!entry.object) continue;
-        const auto facts = reference_host::reportOf(*entry.object);
-        reports[i].results = std::move(records[entry.media]);
-        countFaces(reports[i].results, *entry.object);
-        const bool hasRecords = !reports[i].results.empty();
-        decideOutcome(reports[i],
-                      {.analysed = facts.analysed,
-                       .hasRecords = hasRecords,
-                       .awaitsFaces = awaitsFaces(reports[i], options),
-                       .passed = passed,
-                       .failure = facts.failure},
-                      end, options.minLengthSeconds);
-        passed = passed || facts.analysed || hasRecords;
+    const std::vector<FileReport> ofMaterials = reportsOfMaterials(component, end, options);
+    std::vector<FileReport> reports;
+    for (const File& file : files_) {
+        FileReport& report =
+            reports.emplace_back(file.material ? ofMaterials[*file.material] : FileReport{});
+        report.file = file.name;
+        if (!file.material) report.error = file.error;
     }
     return reports;
 }
 
 std::vector<Materials::Warning> Materials::warnings() const {
     std::vector<Warning> warnings;
-    for (const Entry& entry : entries_) {
-        if (!entry.object) continue;
-        for (const std::string& text : reference_host::reportOf(*entry.object).warnings) {
-            warnings.push_back({entry.report.file, text});
-        }
+    for (const File& file : files_) {
+        if (!file.material) continue;
+        KOR::IDmBaseObj& object = *materials_[*file.material].object;
+        for (const std::string& text : reference_host::reportOf(object).warnings)
+            warnings.push_back({file.name, text});
     }
     return warnings;
 }
 
 bool Materials::allKept(const std::vector<FileReport>& reports) const {
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
+    for (std::size_t i = 0; i < files_.size(); ++i) {
         const bool analysedVideo =
             reports[i].outcome == Outcome::analysed && reports[i].type == MaterialType::video;
-        if (analysedVideo && lacksKeptRecords(*entries_[i].object)) return false;
+        if (analysedVideo && lacksKeptRecords(*materials_[*files_[i].material].object)) {
+            return false;
+        }
     }
     return true;
+}
+
+/// Returns the index of the material of this content, which `object` becomes when it is new. The
+/// next file is the one that it comes from.
+std::size_t Materials::indexOfMaterial(std::string contentKey, Owned<KOR::IDmBaseObj> object) {
+    const auto known = std::find_if(
+        materials_.begin(), materials_.end(),
+        [&contentKey](const Material& material) { return material.contentKey == contentKey; });
+    const auto index = static_cast<std::size_t>(known - materials_.begin());
+    if (known == materials_.end()) {
+        auto* const media = static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
+        materials_.push_back({std::move(contentKey), std::move(object), media, files_.size()});
+    }
+    return index;
+}
+
+/// Returns what has become of each material; the files of each are not named.
+std::vector<FileReport> Materials::reportsOfMaterials(KOR::IKorMaterialAnalysis& component,
+                                                      RunEnd end, const Options& options) const {
+    RecordsOfMedia records = takeRecords(component);
+    std::vector<FileReport> reports(materials_.size());
+    // From the last to the first, as a run that has touched a material has passed those before it.
+    bool passed = end == RunEnd::complete;
+    for (std::size_t i = materials_.size(); i-- > 0;) {
+        const Material& material = materials_[i];
+        FileReport& report = reports[i];
+        report.type = typeOf(*material.media);
+        report.duration = material.media->getDuration();
+        report.results = std::move(records[material.media]);
+        const bool hasRecords = !report.results.empty();
+        const auto facts = reference_host::reportOf(*material.object);
+        decideOutcome(report,
+                      {.analysed = facts.analysed,
+                       .hasRecords = hasRecords,
+                       .awaitsFaces = awaitsFaces(report, *material.object, options),
+                       .passed = passed,
+                       .failure = facts.failure},
+                      end, options.minLengthSeconds);
+        countFaces(report, *material.object, options.kinds);
+        passed = passed || facts.analysed || hasRecords;
+    }
+    return reports;
 }
 
 }  // namespace autotrim

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
+#include <optional>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -15,8 +15,9 @@
 
 namespace autotrim {
 
-/// The files of one call of the program, each opened as a material of the host where it is one. A
-/// file that is given twice makes two materials.
+/// The files of one call of the program. Files of the same content, such as one that is given
+/// twice, a copy or a link, are one material of the host: it is analysed once, and each of them
+/// gets its records.
 class Materials {
 public:
     /// Opens the next file. Returns why it is no material; empty when it is one. `stop` breaks it
@@ -24,17 +25,19 @@ public:
     std::string open(const std::string& file, const std::filesystem::path& cacheRoot,
                      std::stop_token stop);
 
-    /// Takes in that the next file was not opened, and why.
+    /// Takes in that the next file is no material, and why.
     void skip(const std::string& file, const std::string& reason);
 
     /// Whether no file is a material.
-    bool empty() const;
+    bool empty() const { return materials_.empty(); }
 
-    /// Hands the materials over, in order.
+    /// Hands the materials over, in the order of the files.
     void insertInto(KOR::IKorMaterialAnalysis& component) const;
 
-    /// Returns the index of the file that was last begun with, materials or not; 0 before that.
-    std::size_t latestBegun() const;
+    /// Returns the index of the file that a run has come to, once it tells of progress: the first
+    /// one of the material that was begun with last. Where none was, the run had nothing to analyse
+    /// and is at the last file.
+    std::size_t reached() const;
 
     /// Returns what has become of each file in a run by `options`.
     std::vector<FileReport> reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
@@ -52,13 +55,24 @@ public:
     bool allKept(const std::vector<FileReport>& reports) const;
 
 private:
-    struct Entry {
-        FileReport report;  ///< as it stands before the run
+    struct Material {
+        std::string contentKey;
         Owned<KOR::IDmBaseObj> object;
-        KOR::IDmBaseMedia* media = nullptr;  ///< of `object`; null for a file that is no material
+        KOR::IDmBaseMedia* media;  ///< of `object`
+        std::size_t firstFile;     ///< its index
+    };
+    struct File {
+        std::string name;                     ///< as given
+        std::string error;                    ///< why it is no material; empty when it is one
+        std::optional<std::size_t> material;  ///< its index
     };
 
-    std::vector<Entry> entries_;
+    std::size_t indexOfMaterial(std::string contentKey, Owned<KOR::IDmBaseObj> object);
+    std::vector<FileReport> reportsOfMaterials(KOR::IKorMaterialAnalysis& component, RunEnd end,
+                                               const Options& options) const;
+
+    std::vector<Material> materials_;
+    std::vector<File> files_;
 };
 
 }  // namespace autotrim

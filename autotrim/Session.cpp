@@ -70,7 +70,7 @@ RunEnd run(KOR::IKorMaterialAnalysis& component, const Materials& materials, con
     if (monitor.state().interrupted) return RunEnd::interrupted;
     if (materials.empty()) return RunEnd::complete;
     return runToEnd(component, monitor, [&](int percent) {
-        const std::size_t index = materials.latestBegun();
+        const std::size_t index = materials.reached();
         display.show({options.files[index], index + 1, options.files.size(), percent});
     });
 }
