@@ -1,47 +1,70 @@
 #include <gtest/gtest.h>
 
 #include "autotrim/Materials.h"
+#include "tests/autotrim/CachedFootage.h"
 #include "tests/autotrim/FakeComponent.h"
 
 namespace autotrim {
 namespace {
 
-/// A component that was interrupted when it had given the only material its default record.
-class Interrupted {
+using std::filesystem::path;
+
+/// A component that has given each of its materials one record.
+class OneRecordEach {
 public:
-    Interrupted() {
+    explicit OneRecordEach(std::int64_t posOfMaxScore = 0) : posOfMaxScore_(posOfMaxScore) {
         component_.onInsert = [this](KOR::IKORVoidPtrList* list) {
-            auto* const object = static_cast<KOR::IDmBaseObj*>(list->at(0));
-            media_ = static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
+            for (std::int64_t i = 0; i < list->count(); ++i) {
+                auto* const object = static_cast<KOR::IDmBaseObj*>(list->at(i));
+                media_.push_back(
+                    static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia")));
+            }
             return KOR::statusOk;
         };
         component_.onGetResults = [this](KOR::IKORVoidPtrList* list) {
-            media_->addRef();
-            media_->addRef();
-            void* const block = ::operator new(sizeof(KOR::MaterialAnalysisResult));
-            return list->append(new (block) KOR::MaterialAnalysisResult{1.0, 0, 1, 0, media_, {}});
+            for (KOR::IDmBaseMedia* media : media_)
+                append(*list, *media);
+            return KOR::statusOk;
         };
     }
 
-    /// What is then reported of the made photo.
-    FileReport photoBy(const Options& options) {
+    /// Returns what is then reported of `files`.
+    std::vector<FileReport> reportsOf(const std::vector<std::string>& files, const path& cacheRoot,
+                                      RunEnd end, const Options& options) {
         Materials materials;
-        EXPECT_EQ(materials.open(AUTOTRIM_CLIPS "/photo.png", {}, {}), "");
+        for (const std::string& file : files)
+            EXPECT_EQ(materials.open(file, cacheRoot, {}), "");
         materials.insertInto(component_);
-        return materials.reports(component_, RunEnd::interrupted, options).at(0);
+        return materials.reports(component_, end, options);
     }
 
+    std::size_t materials() const { return media_.size(); }
+
 private:
+    void append(KOR::IKORVoidPtrList& list, KOR::IDmBaseMedia& media) const {
+        media.addRef();
+        media.addRef();
+        void* const block = ::operator new(sizeof(KOR::MaterialAnalysisResult));
+        list.append(new (block) KOR::MaterialAnalysisResult{1.0, 0, 1, posOfMaxScore_, &media, {}});
+    }
+
+    std::int64_t posOfMaxScore_;
     FakeComponent component_;
-    KOR::IDmBaseMedia* media_ = nullptr;
+    std::vector<KOR::IDmBaseMedia*> media_;
 };
+
+FileReport interruptedPhoto(const Options& options) {
+    return OneRecordEach()
+        .reportsOf({AUTOTRIM_CLIPS "/photo.png"}, {}, RunEnd::interrupted, options)
+        .at(0);
+}
 
 TEST(Materials, HoldAPhotoThatAwaitsFacesForUnfinished) {
     for (const Kinds& kinds : {Kinds{6, 7}, Kinds{6, 1}}) {
         Options options;
         options.kinds = kinds;
         options.photos = true;
-        const FileReport photo = Interrupted().photoBy(options);
+        const FileReport photo = interruptedPhoto(options);
         EXPECT_EQ(photo.outcome, Outcome::failed);
         EXPECT_EQ(photo.error, "interrupted");
     }
@@ -49,12 +72,67 @@ TEST(Materials, HoldAPhotoThatAwaitsFacesForUnfinished) {
 
 TEST(Materials, KeepTheRecordOfAPhotoThatAwaitsNothing) {
     Options options;
-    EXPECT_EQ(Interrupted().photoBy(options).outcome, Outcome::byDefault);
+    EXPECT_EQ(interruptedPhoto(options).outcome, Outcome::byDefault);
     options.photos = true;
     options.kinds = {6, 5};
-    const FileReport photo = Interrupted().photoBy(options);
+    const FileReport photo = interruptedPhoto(options);
     EXPECT_EQ(photo.outcome, Outcome::byDefault);
     EXPECT_EQ(photo.results.size(), 1U);
+}
+
+class MaterialsInACache : public CachedFootage {
+protected:
+    /// What is reported of a video without a task, at a keyframe in which an earlier run has looked
+    /// for faces.
+    FileReport unanalysed(const Options& options) const {
+        const Json earlier =
+            analyse({"--kinds", "4,3,1", "--min-length", "0", "--min-scene", "0", "short.mp4"});
+        const Json& record = earlier[0]["results"][0];
+        EXPECT_EQ(record["faces"], 0);
+        return OneRecordEach(record["posOfMaxScore"])
+            .reportsOf({AUTOTRIM_CLIPS "/short.mp4"}, cache(), RunEnd::complete, options)
+            .at(0);
+    }
+};
+
+TEST_F(MaterialsInACache, CountTheFacesOfRestoredRecords) {
+    Options options;
+    options.minLengthSeconds = 0;
+    const FileReport report = unanalysed(options);
+    EXPECT_EQ(report.outcome, Outcome::restored);
+    EXPECT_EQ(report.results.at(0).faces, 0);
+}
+
+TEST_F(MaterialsInACache, LeaveFacesOpenThatTheRunDidNotLookFor) {
+    Options options;
+    options.minLengthSeconds = 0;
+    options.kinds = {4, 3};
+    const FileReport report = unanalysed(options);
+    EXPECT_EQ(report.outcome, Outcome::restored);
+    EXPECT_FALSE(report.results.at(0).faces);
+}
+
+TEST_F(MaterialsInACache, LeaveFacesOpenInDefaultRecords) {
+    const FileReport report = unanalysed({});
+    EXPECT_EQ(report.outcome, Outcome::byDefault);
+    EXPECT_FALSE(report.results.at(0).faces);
+}
+
+TEST_F(MaterialsInACache, AreOneForFilesOfTheSameContent) {
+    const std::string one = copyOf("short.mp4", "one.mp4").string();
+    const std::string other = copyOf("short.mp4", "other.mp4").string();
+    const std::string photo = copyOf("photo.png", "photo.png").string();
+    OneRecordEach component;
+    const auto reports =
+        component.reportsOf({one, photo, other, one}, {}, RunEnd::complete, Options());
+    EXPECT_EQ(component.materials(), 2U);
+    ASSERT_EQ(reports.size(), 4U);
+    EXPECT_EQ(reports[0].file, one);
+    EXPECT_EQ(reports[1].file, photo);
+    EXPECT_EQ(reports[2].file, other);
+    EXPECT_EQ(reports[3].file, one);
+    for (const FileReport& report : reports)
+        EXPECT_EQ(report.results.size(), 1U);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
@@ -132,6 +133,18 @@ void Process::readErrorsUntil(const std::string& text) {
 
 void Process::send(int signal) const {
     check(kill(pid_, signal) == 0, "kill");
+}
+
+bool Process::endsWithin(std::chrono::nanoseconds time) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point deadline = Clock::now() + time;
+    pollfd readable{errorsEnd_, POLLIN, 0};
+    for (auto left = time; left.count() > 0; left = deadline - Clock::now()) {
+        const auto seconds = std::chrono::floor<std::chrono::seconds>(left);
+        const timespec timeout{seconds.count(), (left - seconds).count()};
+        if (ppoll(&readable, 1, &timeout, nullptr) > 0 && !readErrors()) return true;
+    }
+    return false;
 }
 
 Ended Process::wait() {

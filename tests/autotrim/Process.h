@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -46,6 +47,10 @@ public:
     const std::filesystem::path& home() const { return directory_.path(); }
 
     void send(int signal) const;
+
+    /// Waits until it closes its standard error, as it does at its end, or until `time` is over.
+    /// Returns whether it has.
+    bool endsWithin(std::chrono::nanoseconds time);
 
     /// Waits for its end. `errors` is all of its standard error, lines read before included.
     Ended wait();

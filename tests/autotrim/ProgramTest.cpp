@@ -1,6 +1,5 @@
 #include <csignal>
 #include <fstream>
-#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -15,23 +14,6 @@ namespace {
 using std::filesystem::path;
 
 constexpr std::int64_t ticksPerFrame = 400000;
-
-std::string contentOf(const path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-/// The materials of what autotrim writes with --json -.
-Json materialsOf(const Ended& ended) {
-    return Json::parse(ended.output)["materials"];
-}
-
-Json analysed(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--json", "-"});
-    const Ended ended = run(arguments);
-    EXPECT_EQ(ended.exitCode, exitAllDone) << ended.errors;
-    return materialsOf(ended);
-}
 
 TEST(Program, TellsItsVersion) {
     const Ended ended = run({"--version"});
@@ -115,12 +97,9 @@ TEST(Program, LooksForFacesInPhotosWhenAsked) {
 }
 
 TEST(Program, TellsThatAPhotoHasNoFace) {
-    const Ended ended = run({"--photos", "photo.png", "photo.png"});
+    const Ended ended = run({"--photos", "photo.png"});
     EXPECT_EQ(ended.exitCode, exitAllDone);
     EXPECT_EQ(ended.output,
-              "photo.png  (analysed)\n"
-              "  no face\n"
-              "\n"
               "photo.png  (analysed)\n"
               "  no face\n");
     EXPECT_EQ(ended.errors, "");
@@ -168,33 +147,6 @@ TEST(Program, WarnsOnceOfACacheThatCannotBeWritten) {
     EXPECT_EQ(ended.exitCode, exitAllDone);
     EXPECT_EQ(ended.errors, "autotrim: " + noDirectory.string() +
                                 ": warning: results could not be kept in this directory\n");
-}
-
-TEST(Program, WarnsOfResultsThatTheDiskDidNotTake) {
-    const TemporaryDirectory cache;
-    const std::vector<std::string> arguments = {"--cache", cache.path().string(), "two.mp4"};
-    EXPECT_EQ(run(arguments).errors, "");
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(cache.path())) {
-        if (entry.path().filename() != "result.json") continue;
-        std::filesystem::remove(entry.path());
-        // Can be opened, but takes nothing.
-        std::filesystem::create_symlink("/dev/full", entry.path());
-    }
-    const Ended ended = run(arguments);
-    EXPECT_EQ(ended.exitCode, exitAllDone);
-    EXPECT_EQ(ended.errors, "autotrim: " + cache.path().string() +
-                                ": warning: results could not be kept in this directory\n");
-}
-
-TEST(Program, GivesTheSameFileTwoEntries) {
-    const TemporaryDirectory cache;
-    const Json materials =
-        analysed({"--cache", cache.path().string(), "two.mp4", "photo.png", "two.mp4"});
-    ASSERT_EQ(materials.size(), 3U);
-    EXPECT_EQ(materials[1]["file"], "photo.png");
-    EXPECT_EQ(materials[0]["file"], materials[2]["file"]);
-    EXPECT_EQ(withoutFaces(materials[0]["results"]), withoutFaces(materials[2]["results"]));
-    EXPECT_FALSE(materials[2]["results"].empty());
 }
 
 TEST(Program, NamesEachBadFileOnOneLine) {

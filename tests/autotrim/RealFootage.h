@@ -1,7 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -19,6 +23,17 @@ protected:
     const std::filesystem::path& clips() const { return clips_; }
 
     std::filesystem::path clip(const std::string& name) const { return clips_ / name; }
+
+    /// Returns all videos among the clips.
+    std::vector<std::filesystem::path> videos() const {
+        const std::set<std::string> endings = {".mp4", ".mkv", ".gif"};
+        std::vector<std::filesystem::path> found;
+        for (const auto& entry : std::filesystem::directory_iterator(clips_)) {
+            if (endings.contains(entry.path().extension())) found.push_back(entry.path());
+        }
+        std::sort(found.begin(), found.end());
+        return found;
+    }
 
 private:
     std::filesystem::path clips_;

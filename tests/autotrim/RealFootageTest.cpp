@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <set>
-
 #include <gtest/gtest.h>
 
 #include "autotrim/ExitCode.h"
@@ -14,16 +11,6 @@ namespace {
 
 using std::filesystem::path;
 
-std::vector<path> videosIn(const path& directory) {
-    const std::set<std::string> endings = {".mp4", ".mkv", ".gif"};
-    std::vector<path> found;
-    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-        if (endings.contains(entry.path().extension())) found.push_back(entry.path());
-    }
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
 /// Runs autotrim on one video that is good, and returns its entry of the report.
 Json entryOf(const path& video, std::vector<std::string> options) {
     options.insert(options.end(), {"--json", "-", video.string()});
@@ -34,9 +21,8 @@ Json entryOf(const path& video, std::vector<std::string> options) {
 
 TEST_F(RealFootage, EndsWellForEveryVideo) {
     constexpr std::int64_t minLengthTicks = 20000000;
-    const std::vector<path> videos = videosIn(clips());
-    ASSERT_FALSE(videos.empty());
-    for (const path& video : videos) {
+    ASSERT_FALSE(videos().empty());
+    for (const path& video : videos()) {
         SCOPED_TRACE(video.filename().string());
         const TemporaryDirectory cache;
         const Json entry = entryOf(video, {"--cache", cache.path().string()});
