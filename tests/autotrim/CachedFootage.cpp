@@ -19,6 +19,16 @@ Json CachedFootage::analyse(const std::vector<std::string>& arguments) const {
     return analysed(all);
 }
 
+path CachedFootage::onlyResultFile() const {
+    const std::vector<path> found = resultFilesIn(cache());
+    return found.size() == 1 ? found[0] : path();
+}
+
+std::string CachedFootage::warningOfCache() const {
+    return "autotrim: " + cache().string() +
+           ": warning: results could not be kept in this directory\n";
+}
+
 std::vector<path> CachedFootage::kept() const {
     std::vector<path> found;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(cache())) {

@@ -23,6 +23,12 @@ protected:
     /// Runs autotrim with the cache on files that are all good, and returns their entries.
     Json analyse(const std::vector<std::string>& arguments) const;
 
+    /// Returns the only result file in the cache; empty when there is none, or more.
+    std::filesystem::path onlyResultFile() const;
+
+    /// What autotrim tells when results could not be kept.
+    std::string warningOfCache() const;
+
     /// Returns what the runs keep: everything below the cache's directory that is no directory.
     std::vector<std::filesystem::path> kept() const;
 

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "autotrim/Materials.h"
 #include "tests/autotrim/CachedFootage.h"
@@ -133,6 +134,19 @@ TEST_F(MaterialsInACache, AreOneForFilesOfTheSameContent) {
     EXPECT_EQ(reports[3].file, one);
     for (const FileReport& report : reports)
         EXPECT_EQ(report.results.size(), 1U);
+}
+
+TEST_F(MaterialsInACache, DoNotWaitForAPipeThatTheyFindThere) {
+    Materials materials;
+    ASSERT_EQ(materials.open(AUTOTRIM_CLIPS "/two.mp4", cache(), {}), "");
+    FileReport analysed;
+    analysed.type = MaterialType::video;
+    analysed.outcome = Outcome::analysed;
+    EXPECT_FALSE(materials.allKept({analysed}));
+    const path directory = kept().at(0).parent_path() / "analysis";
+    std::filesystem::create_directory(directory);
+    ASSERT_EQ(mkfifo((directory / "result.json").c_str(), 0666), 0);
+    EXPECT_FALSE(materials.allKept({analysed}));
 }
 
 }  // namespace
