@@ -316,8 +316,8 @@ TEST_F(SameContent, IsAnalysedOnceWithoutACache) {
 
 TEST_F(SameContent, IsNamedOnceInTheProgress) {
     std::vector<std::string> arguments = names();
-    arguments.insert(arguments.begin(),
-                     {"--cache", cache().string(), "--progress", "machine", "scenes.mp4"});
+    arguments.insert(arguments.begin(), {"--cache", cache().string(), "--progress", "machine",
+                                         "scenes.mp4", "scenes.mp4"});
     std::vector<std::string> named;
     for (const std::string& line : run(arguments).errorLines()) {
         const std::string name = Json::parse(line)["file"];
