@@ -57,6 +57,10 @@ struct ComponentProbe {
         return component.saveMaterialAnalysisResult(media, results);
     }
 
+    bool restoreMaterialAnalysisResult(IDmBaseMedia* media) {
+        return component.restoreMaterialAnalysisResult(media);
+    }
+
     std::int32_t overallProgressAt(std::int32_t taskPercent) {
         return component.overallProgressAt(taskPercent);
     }
