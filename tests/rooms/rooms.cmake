@@ -31,7 +31,7 @@ set(standard "[a-z_0-9]+$")
 
 check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/"
-  EXCEPT ${component}/ResultCacheReader.cpp ${component}/ResultCacheText.cpp)
+  EXCEPT ${component}/JsonDocument ${component}/ResultCacheText.cpp)
 check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
   EXCEPT reference_host/media reference_host/services/Log reference_host/vision)
 check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")

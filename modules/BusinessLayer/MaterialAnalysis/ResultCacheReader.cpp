@@ -6,11 +6,9 @@
 #include <cstdlib>
 #include <limits>
 #include <optional>
-#include <utility>
-
-#include <rapidjson/document.h>
 
 #include "host/files.h"
+#include "modules/BusinessLayer/MaterialAnalysis/JsonDocument.h"
 
 namespace KOR {
 
@@ -133,16 +131,12 @@ ResultCacheReading readResults(const Value* list) {
 }  // namespace
 
 ResultCacheReading readResultCache(const std::string& text, const ResultCacheHeader& expected) {
-    // The parser takes a zero byte for the end of the text.
-    if (text.find('\0') != std::string::npos) return {.rejection = invalid, .results = {}};
-    rapidjson::Document root;
-    // Numbers to their last bit, and no recursion into what is nested.
-    root.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag>(text.c_str());
-    if (root.HasParseError() || !root.IsObject()) return {.rejection = invalid, .results = {}};
-    if (const char* const why = rejectHeader(root, expected)) {
+    const std::optional<rapidjson::Document> root = parseJson(text);
+    if (!root || !root->IsObject()) return {.rejection = invalid, .results = {}};
+    if (const char* const why = rejectHeader(*root, expected)) {
         return {.rejection = why, .results = {}};
     }
-    return readResults(memberOf(root, "result"));
+    return readResults(memberOf(*root, "result"));
 }
 
 }  // namespace KOR
