@@ -84,6 +84,8 @@ struct ComponentProbe {
         return records;
     }
 
+    std::size_t resultCount() const { return component.analysisResults.size(); }
+
     void moveTo(std::int32_t material, std::int32_t task) {
         component.moveToMaterial(material);
         component.currentTaskIndex = task;

@@ -1,6 +1,8 @@
 // The result file of a material: written after its analysis, taken instead of one in a later run.
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -34,7 +36,7 @@ const char* mediaCacheOf(IDmBaseMedia* media, const char* function) {
 /// No result file is as long as this: it is some 300,000 records. What stands behind it is not
 /// read, which leaves a text that is cut short and so none of ours; reading takes no more than
 /// about 25 times as much memory.
-constexpr std::size_t longestTextBytes = 64 << 20;
+constexpr std::uintmax_t longestTextBytes = 64 << 20;
 
 /// Whether something stands at `file` whose opening could wait or act: a directory, a pipe, a
 /// device.
@@ -46,18 +48,14 @@ bool isNoRegularFile(const std::string& file) {
 
 /// Returns the text in `file`; nothing where it does not open.
 std::optional<std::string> textIn(const std::string& file) {
-    if (isNoRegularFile(file)) return std::nullopt;
+    std::error_code error;
+    const std::uintmax_t sizeBytes = std::filesystem::file_size(file, error);
+    if (error || isNoRegularFile(file)) return std::nullopt;
     std::ifstream stream(file);
     if (!stream) return std::nullopt;
-    std::string text;
-    std::size_t length = 0;
-    while (stream && length < longestTextBytes) {
-        constexpr std::size_t stepBytes = 64 << 10;
-        text.resize(length + stepBytes);
-        stream.read(text.data() + length, stepBytes);
-        length += static_cast<std::size_t>(stream.gcount());
-    }
-    text.resize(length);
+    std::string text(std::min(sizeBytes, longestTextBytes), '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
     return text;
 }
 
