@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <utility>
 
+#include "reference_host/cache/factsFile.h"
+
 namespace reference_host {
 
-Footage::Footage(std::filesystem::path file, media::FootageFacts facts, std::string cacheDirectory)
-    : file_(std::move(file)), facts_(std::move(facts)), cacheDirectory_(std::move(cacheDirectory)) {
-    report_.warnings = facts_.warnings;
+Footage::Footage(std::filesystem::path file, cache::KeptFacts known, std::string cacheDirectory)
+    : file_(std::move(file)), known_(std::move(known)), cacheDirectory_(std::move(cacheDirectory)) {
+    report_.warnings = known_.footage.warnings;
 }
 
 void Footage::noteAnalysis() {
     const std::scoped_lock lock(mutex_);
-    report_.analysed = true;
+    if (!std::exchange(report_.analysed, true)) replaceFaces({});
 }
 
 void Footage::noteFailure(const std::string& reason) {
@@ -34,13 +36,21 @@ MaterialReport Footage::report() const {
 
 void Footage::noteFaces(FaceCounts counts) {
     const std::scoped_lock lock(mutex_);
-    faceCounts_ = std::move(counts);
+    replaceFaces(std::move(counts));
+}
+
+void Footage::replaceFaces(FaceCounts counts) {
+    if (counts == known_.faceCounts) return;
+    known_.faceCounts = std::move(counts);
+    // No run takes the results of a photo from the cache.
+    const bool isKept = facts().isVideo && !cacheDirectory_.empty();
+    if (isKept) cache::keepFacts(cacheDirectory_, known_);
 }
 
 std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {
     const std::scoped_lock lock(mutex_);
-    const auto found = faceCounts_.find(positionTicks);
-    return found == faceCounts_.end() ? std::nullopt : std::optional(found->second);
+    const auto found = known_.faceCounts.find(positionTicks);
+    return found == known_.faceCounts.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::shared_ptr<const scenes::FootageRecord> Footage::record() const {

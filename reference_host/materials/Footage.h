@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "reference_host/ReferenceHost.h"
+#include "reference_host/cache/KeptFacts.h"
 #include "reference_host/media/FootageFacts.h"
 #include "reference_host/scenes/FootageRecord.h"
 
@@ -20,15 +21,18 @@ namespace reference_host {
 /// run may outlive its material. Any thread.
 class Footage {
 public:
-    /// `cacheDirectory` is UTF-8, empty where nothing may be kept.
-    Footage(std::filesystem::path file, media::FootageFacts facts, std::string cacheDirectory);
+    /// `known` is what is known of the file, perhaps by an earlier run. `cacheDirectory` is UTF-8,
+    /// empty where nothing may be kept.
+    Footage(std::filesystem::path file, cache::KeptFacts known, std::string cacheDirectory);
 
     const std::filesystem::path& file() const { return file_; }
-    const media::FootageFacts& facts() const { return facts_; }
+    const media::FootageFacts& facts() const { return known_.footage; }
 
     /// Returns the directory for what is computed; empty after a failure.
     const char* cacheDirectory() const { return failed_ ? "" : cacheDirectory_.c_str(); }
 
+    /// Takes in that an analysis begins. Faces that an earlier run has counted are forgotten: they
+    /// belong to its results, and this run has other ones.
     void noteAnalysis();
 
     /// Takes the reason of a failed task; the first one is reported.
@@ -42,11 +46,12 @@ public:
     /// How many faces there are in pictures, by their positions in ticks.
     using FaceCounts = std::map<std::int64_t, std::int32_t>;
 
-    /// Takes what a face detection has counted, in the place of an earlier one.
+    /// Takes what a face detection has counted, in the place of an earlier one. Of a video it is
+    /// kept for later runs, which may take the results from the cache.
     void noteFaces(FaceCounts counts);
 
-    /// Returns how many faces the last detection found in the picture at `positionTicks`; none
-    /// where it did not look there.
+    /// Returns how many faces the last detection, of this run or of an earlier one, found in the
+    /// picture at `positionTicks`; none where it did not look there.
     std::optional<std::int32_t> facesAt(std::int64_t positionTicks) const;
 
     /// The record of the last complete decode, or null. It spares a task that looks for keyframes
@@ -55,13 +60,15 @@ public:
     void keepRecord(std::shared_ptr<const scenes::FootageRecord> record);
 
 private:
+    void replaceFaces(FaceCounts counts);
+
     const std::filesystem::path file_;
-    const media::FootageFacts facts_;
+    /// After the making, only the faces change, and that under the mutex.
+    cache::KeptFacts known_;
     const std::string cacheDirectory_;
     std::atomic<bool> failed_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
-    FaceCounts faceCounts_;
     std::shared_ptr<const scenes::FootageRecord> record_;
 };
 

@@ -1,29 +1,69 @@
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "reference_host/ReferenceHost.h"
+#include "reference_host/cache/contentKey.h"
+#include "reference_host/cache/factsFile.h"
 #include "reference_host/materials/Footage.h"
 #include "reference_host/materials/Material.h"
-#include "reference_host/materials/cacheName.h"
+#include "reference_host/media/RegularFile.h"
 #include "reference_host/media/inspect.h"
+#include "reference_host/media/libraryVersions.h"
+#include "reference_host/tasks/FaceDetectors.h"
 
 namespace reference_host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Returns the path as it is from the root on. Nothing is looked up: behind a link, ".." leads
+/// elsewhere than it seems.
+std::string absolutePath(const fs::path& file) {
+    fs::path place;
+    for (const fs::path& part : fs::absolute(file)) {
+        if (part != ".") place /= part;
+    }
+    return place.string();
+}
+
+/// Returns what is known of the file, from the cache where these libraries have put it there. Looks
+/// at the file and keeps what it finds otherwise. An empty directory keeps nothing.
+cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
+                         const std::stop_token& stop) {
+    const std::string madeBy = media::libraryVersions();
+    std::optional<cache::KeptFacts> kept;
+    if (!cacheDirectory.empty()) kept = cache::keptFacts(cacheDirectory);
+    if (kept && kept->madeBy != madeBy) kept.reset();
+    const std::string place = absolutePath(file);
+    if (kept && kept->file == place) return *std::move(kept);
+    cache::KeptFacts facts =
+        kept ? *std::move(kept) : cache::KeptFacts{madeBy, place, media::inspect(file, stop), {}};
+    facts.file = place;
+    if (!cacheDirectory.empty()) cache::keepFacts(cacheDirectory, facts);
+    return facts;
+}
+
+}  // namespace
 
 ImportedMaterial importMaterial(const std::filesystem::path& file,
                                 const std::filesystem::path& cacheRoot, std::stop_token stop) {
     try {
-        media::FootageFacts facts = media::inspect(file, stop);
-        const std::string cacheDirectory =
-            cacheRoot.empty() ? std::string() : (cacheRoot / cacheName(file)).string();
-        auto footage = std::make_shared<Footage>(file, std::move(facts), cacheDirectory);
-        return {.object = new Material(std::move(footage)), .error = {}};
+        const std::string key = cache::contentKey(media::RegularFile(file),
+                                                  FaceDetectors::instance().modelFingerprint());
+        const fs::path cacheDirectory = cacheRoot.empty() ? fs::path() : cacheRoot / key;
+        auto footage = std::make_shared<Footage>(file, factsOf(file, cacheDirectory, stop),
+                                                 cacheDirectory.string());
+        return {.object = new Material(std::move(footage)), .error = {}, .contentKey = key};
     } catch (const std::bad_alloc&) {
-        return {.object = nullptr, .error = "there is not enough memory for it"};
+        return {.object = nullptr, .error = "there is not enough memory for it", .contentKey = {}};
     } catch (const std::exception& failure) {
         // What fails because it was stopped says nothing about the file.
-        return {.object = nullptr, .error = stop.stop_requested() ? "interrupted" : failure.what()};
+        return {.object = nullptr,
+                .error = stop.stop_requested() ? "interrupted" : failure.what(),
+                .contentKey = {}};
     }
 }
 

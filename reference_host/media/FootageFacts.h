@@ -21,6 +21,8 @@ struct FootageFacts {
     std::vector<std::int64_t> keyTimestamps;
     /// What is wrong with the file although it can be used, one line each.
     std::vector<std::string> warnings;
+
+    bool operator==(const FootageFacts&) const = default;
 };
 
 }  // namespace reference_host::media

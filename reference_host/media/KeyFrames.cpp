@@ -2,13 +2,9 @@
 
 #include <utility>
 
+#include "reference_host/media/Limits.h"
+
 namespace reference_host::media {
-namespace {
-
-/// A megabyte; every single frame of more than an hour where all are key frames.
-constexpr std::size_t maxTimestamps = std::size_t{1} << 17;
-
-}  // namespace
 
 void KeyFrames::add(const AVPacket& packet) {
     isUsable_ = isUsable_ && isInOrder(packet);
@@ -28,7 +24,7 @@ bool KeyFrames::isInOrder(const AVPacket& packet) {
 
 void KeyFrames::keep(std::int64_t timestamp) {
     if (met_++ % stride_ != 0) return;
-    if (timestamps_.size() == maxTimestamps) {
+    if (timestamps_.size() == maxKeyTimestamps) {
         for (std::size_t i = 1; 2 * i < timestamps_.size(); ++i)
             timestamps_[i] = timestamps_[2 * i];
         timestamps_.resize(timestamps_.size() / 2);

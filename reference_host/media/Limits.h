@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "host/status.h"
@@ -23,5 +24,9 @@ constexpr std::int64_t maxProbedPixels = maxPictureBytes / 16;
 /// About a hundred years. Timestamps are free to claim anything; below this, a hundred thousand
 /// durations can still be multiplied and added up without care.
 constexpr std::int64_t maxDurationTicks = std::int64_t{100} * 366 * 24 * 3600 * KOR::ticksPerSecond;
+
+/// How many timestamps of key frames are kept of one file. They take a megabyte; it is every single
+/// frame of more than an hour where all are key frames.
+constexpr std::size_t maxKeyTimestamps = std::size_t{1} << 17;
 
 }  // namespace reference_host::media

@@ -43,6 +43,7 @@ RegularFile::RegularFile(const std::filesystem::path& path) : descriptor_(openRe
         if (::fstat(descriptor_, &status) != 0) refuse(errno);
         requireRegular(status);
         sizeBytes_ = status.st_size;
+        modified_ = status.st_mtim;
     } catch (...) {
         ::close(descriptor_);
         throw;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 
 #include "reference_host/media/ByteSource.h"
@@ -20,12 +21,16 @@ public:
 
     std::int64_t sizeBytes() const override { return sizeBytes_; }
 
+    /// Returns when the file had last been modified as it was opened.
+    std::timespec modified() const { return modified_; }
+
     std::ptrdiff_t readAt(std::int64_t offset, std::uint8_t* buffer,
                           std::size_t size) const override;
 
 private:
     int descriptor_;
     std::int64_t sizeBytes_ = 0;
+    std::timespec modified_{};
 };
 
 }  // namespace reference_host::media

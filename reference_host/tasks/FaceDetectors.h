@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "reference_host/vision/FaceDetector.h"
@@ -19,6 +20,9 @@ public:
     /// file, where it cannot be used; all is then as it was.
     void useModel(const std::filesystem::path& model);
 
+    /// Returns what names the content of the model in use; empty for the detector that is built in.
+    std::string modelFingerprint();
+
     /// Returns a detector, which goes back by itself at its end. Throws std::runtime_error where
     /// none can be made.
     std::shared_ptr<vision::FaceDetector> borrow();
@@ -27,6 +31,7 @@ private:
     /// The detectors of one model that nobody uses. Loans hold it, too.
     struct Shelf {
         std::filesystem::path model;  ///< empty: what is built in
+        std::string fingerprint;      ///< of the model's bytes; empty without one
         std::mutex mutex;
         std::vector<std::unique_ptr<vision::FaceDetector>> idle;
     };

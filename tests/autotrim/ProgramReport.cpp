@@ -7,9 +7,9 @@ namespace autotrim {
 Json onlyCachedResult(const std::filesystem::path& cacheRoot) {
     std::vector<std::filesystem::path> found;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(cacheRoot)) {
-        if (entry.is_regular_file()) found.push_back(entry.path());
+        if (entry.path().string().ends_with("/analysis/result.json")) found.push_back(entry.path());
     }
-    if (found.size() != 1 || !found[0].string().ends_with("/analysis/result.json")) return nullptr;
+    if (found.size() != 1) return nullptr;
     std::ifstream file(found[0]);
     return Json::parse(file);
 }

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "reference_host/ReferenceHost.h"
+#include "reference_host/cache/factsFile.h"
 #include "reference_host/media/PositionReader.h"
 #include "reference_host/media/inspect.h"
 #include "tests/reference_host/FootageFiles.h"
@@ -183,6 +185,17 @@ TEST_F(HeifPhoto, IsTurnedOnce) {
     ASSERT_NE(property, std::string::npos);
     FootageFiles::patch(file, static_cast<std::int64_t>(property), "irot\x03");
     expectTurned(pictureOf(file), allTurned[5]);
+}
+
+TEST_F(HeifPhoto, HasItsFactsKept) {
+    const auto file = heif("a.heic");
+    const auto root = files.path("cache");
+    const auto imported = reference_host::importMaterial(file, root);
+    hold(imported.object);
+    const auto kept = reference_host::cache::keptFacts(root / imported.contentKey);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->footage, reference_host::media::inspect(file));
+    EXPECT_NE(kept->madeBy.find("libheif"), std::string::npos) << kept->madeBy;
 }
 
 TEST_F(HeifPhoto, ThatIsDamagedIsRefused) {

@@ -2,6 +2,18 @@
 set(component modules/BusinessLayer/MaterialAnalysis)
 set(violations "")
 
+# Checks the includes in one source: each has to match `allowed`.
+function(check_file source allowed)
+  file(STRINGS ${ROOT}/${source} includes REGEX "^#include ")
+  foreach(include IN LISTS includes)
+    string(REGEX REPLACE "^#include [<\"]([^>\"]+)[>\"].*" "\\1" name "${include}")
+    if(NOT name MATCHES "^(${allowed})")
+      list(APPEND violations "${source} includes ${name}")
+    endif()
+  endforeach()
+  set(violations "${violations}" PARENT_SCOPE)
+endfunction()
+
 # Checks the includes in all sources below `room`, those of the sub-rooms named behind `EXCEPT`
 # aside: each has to match `allowed`.
 function(check_room room allowed)
@@ -15,13 +27,7 @@ function(check_room room allowed)
     if(arg_EXCEPT AND source MATCHES "^(${excepted})")
       continue()
     endif()
-    file(STRINGS ${ROOT}/${source} includes REGEX "^#include ")
-    foreach(include IN LISTS includes)
-      string(REGEX REPLACE "^#include [<\"]([^>\"]+)[>\"].*" "\\1" name "${include}")
-      if(NOT name MATCHES "^(${allowed})")
-        list(APPEND violations "${source} includes ${name}")
-      endif()
-    endforeach()
+    check_file(${source} "${allowed}")
   endforeach()
   set(violations "${violations}" PARENT_SCOPE)
 endfunction()
@@ -33,7 +39,13 @@ check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/"
   EXCEPT ${component}/JsonDocument ${component}/ResultCacheText.cpp)
 check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
-  EXCEPT reference_host/media reference_host/services/Log reference_host/vision)
+  EXCEPT reference_host/media reference_host/services/Log reference_host/vision
+  reference_host/cache/KeptFacts.cpp reference_host/cache/contentKey.cpp)
+set(cache "${standard}|host/|reference_host/cache/|reference_host/media/|reference_host/ReferenceHost.h")
+check_room(reference_host/cache "${cache}|fcntl.h$|unistd.h$"
+  EXCEPT reference_host/cache/KeptFacts.cpp reference_host/cache/contentKey.cpp)
+check_file(reference_host/cache/KeptFacts.cpp "${cache}|rapidjson/")
+check_file(reference_host/cache/contentKey.cpp "${cache}|xxhash.h$")
 check_room(reference_host/scenes "${standard}|host/|reference_host/scenes/")
 check_room(reference_host/media
   "${standard}|host/|reference_host/|libav[a-z]+/|libsw[a-z]+/|libheif/|fcntl.h$|sys/|unistd.h$")
