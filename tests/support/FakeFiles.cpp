@@ -39,6 +39,7 @@ bool DirUtil::create(const Path& path) {
 }
 
 bool FileUtil::remove(const Path& path) {
+    if (fake_host::host().faults.removalsFail) return false;
     std::error_code error;
     if (std::filesystem::is_directory(path.string(), error)) return false;
     return std::filesystem::remove(path.string(), error);
