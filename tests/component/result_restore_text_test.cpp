@@ -46,7 +46,7 @@ TEST_F(ResultRestoreText, MayStandBetweenWhitespace) {
 }
 
 TEST_F(ResultRestoreText, BehindTheRootIsInvalid) {
-    for (const std::string& tail : {"x", "}", ",", "{}", "\n{}", "0", "/**/", "\v", "\f", "\x1a"})
+    for (const char* const tail : {"x", "}", ",", "{}", "\n{}", "0", "/**/", "\v", "\f", "\x1a"})
         expectDeleted(ResultText{}.text() + tail, invalid);
 }
 
@@ -118,10 +118,10 @@ TEST_F(ResultRestoreText, MayHoldItsMembersInAnyOrder) {
 // Which of two equal members counts is left open; that they hurt nothing is not.
 TEST_F(ResultRestoreText, OfTwiceTheSameMemberIsTakenOrDeleted) {
     const std::string valid = ResultText{.result = "[{}]"}.text();
-    for (const std::string& again : {R"("version": "2")", R"("version": 1)", R"("result": null)",
+    for (const char* const again : {R"("version": "2")", R"("version": 1)", R"("result": null)",
                                      R"("result": [{}, {}])", R"("analysisTypes": "3,4")"}) {
         SCOPED_TRACE(again);
-        const std::string text = valid.substr(0, valid.size() - 1) + ", " + again + "}";
+        const std::string text = valid.substr(0, valid.size() - 1) + ", " + std::string(again) + "}";
         const std::size_t before = probe().results().size();
         put(text);
         const bool taken = restore();
