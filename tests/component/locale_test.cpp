@@ -29,9 +29,10 @@ protected:
         unsetenv("LOCPATH");
     }
 
-    /// Everything that a run with many digits says and writes.
-    Lines traceOfARun() {
+    /// Everything that a run with many digits says and writes, and one that reads what it wrote.
+    Lines traceOfRuns() {
         component().clearMaterials();
+        std::filesystem::remove_all(host().directory() / "analysis");
         for (int i = 0; i < 1200; ++i)
             insert(photo("photo.jpg"));
         insert(video("clip.mp4", 1000000000)
@@ -44,15 +45,20 @@ protected:
         runToEnd();
         Lines trace = journal();
         trace.push_back(resultFile());
+        runToEnd();
+        for (const std::string& line : journal())
+            trace.push_back(line);
+        for (const auto& record : probe().results())
+            trace.push_back(asText(record.score));
         return trace;
     }
 };
 
 TEST_F(Locale, OfTheStreamsChangesNothing) {
     useKinds({6, 4, 3, 7});
-    const Lines plain = traceOfARun();
+    const Lines plain = traceOfRuns();
     std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
-    const Lines grouped = traceOfARun();
+    const Lines grouped = traceOfRuns();
     EXPECT_EQ(grouped, plain);
 }
 
@@ -70,10 +76,10 @@ bool speakGerman(const std::filesystem::path& directory) {
 
 TEST_F(Locale, OfTheCLibraryChangesNothing) {
     useKinds({6, 4, 3, 7});
-    const Lines plain = traceOfARun();
+    const Lines plain = traceOfRuns();
     if (!speakGerman(host().directory())) GTEST_SKIP() << "no locale with decimal commas";
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
-    const Lines german = traceOfARun();
+    const Lines german = traceOfRuns();
     EXPECT_EQ(german, plain);
 }
 

@@ -119,9 +119,10 @@ TEST_F(ResultRestoreText, MayHoldItsMembersInAnyOrder) {
 TEST_F(ResultRestoreText, OfTwiceTheSameMemberIsTakenOrDeleted) {
     const std::string valid = ResultText{.result = "[{}]"}.text();
     for (const char* const again : {R"("version": "2")", R"("version": 1)", R"("result": null)",
-                                     R"("result": [{}, {}])", R"("analysisTypes": "3,4")"}) {
+                                    R"("result": [{}, {}])", R"("analysisTypes": "3,4")"}) {
         SCOPED_TRACE(again);
-        const std::string text = valid.substr(0, valid.size() - 1) + ", " + std::string(again) + "}";
+        const std::string text =
+            valid.substr(0, valid.size() - 1) + ", " + std::string(again) + "}";
         const std::size_t before = probe().results().size();
         put(text);
         const bool taken = restore();
