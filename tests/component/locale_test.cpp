@@ -1,12 +1,14 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <locale>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
 #include "tests/support/faces.h"
 
@@ -60,6 +62,20 @@ TEST_F(Locale, OfTheStreamsChangesNothing) {
     std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
     const Lines grouped = traceOfRuns();
     EXPECT_EQ(grouped, plain);
+}
+
+TEST_F(Locale, OfTheStreamsReadsNumbersAsTheyAreWritten) {
+    std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
+    const auto file = host().directory() / "analysis" / "result.json";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file)
+        << ResultText{.result = R"([{"score": 1234.5}, {"score": 1.25e-400}])"}.text();
+    insert(video("clip.mp4", 100 * second).cacheIn(host().directory()));
+    useKinds({4, 3});
+    component().start();
+    ASSERT_EQ(probe().results().size(), 2U);
+    EXPECT_EQ(probe().results()[0].score, 1234.5);
+    EXPECT_EQ(probe().results()[1].score, 0.0);
 }
 
 /// Switches the C library to German, if need be with a locale compiled into `directory`.
