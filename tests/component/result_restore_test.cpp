@@ -263,6 +263,11 @@ TEST_F(ResultRestore, RefusesEveryBeginningOfAFile) {
     EXPECT_EQ(restored(whole).size(), 3U);
 }
 
+TEST_F(ResultRestore, TakesNoLongFileByItsBeginning) {
+    const std::string blanks(64 << 20, ' ');
+    expectDeleted(ResultText{}.text() + blanks + "x", invalid);
+}
+
 TEST_F(ResultRestore, RefusesWhatANonFiniteNumberLeaves) {
     ASSERT_TRUE(save({record(std::numeric_limits<double>::quiet_NaN(), 1, 2, 3)}));
     expectDeleted(contentOf(file().string()), invalid);

@@ -1,6 +1,5 @@
 // The result file of a material: written after its analysis, taken instead of one in a later run.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -33,9 +32,8 @@ const char* mediaCacheOf(IDmBaseMedia* media, const char* function) {
     return nullptr;
 }
 
-/// No result file is as long as this: it is some 300,000 records. What stands behind it is not
-/// read, which leaves a text that is cut short and so none of ours; reading takes no more than
-/// about 25 times as much memory.
+/// A longer file is not read, as if it were empty: no file may take the host's memory. This is some
+/// 300,000 records.
 constexpr std::uintmax_t longestTextBytes = 64 << 20;
 
 /// Whether something stands at `file` whose opening could wait or act: a directory, a pipe, a
@@ -53,7 +51,8 @@ std::optional<std::string> textIn(const std::string& file) {
     if (error || isNoRegularFile(file)) return std::nullopt;
     std::ifstream stream(file);
     if (!stream) return std::nullopt;
-    std::string text(std::min(sizeBytes, longestTextBytes), '\0');
+    if (sizeBytes > longestTextBytes) return std::string();
+    std::string text(sizeBytes, '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     return text;
