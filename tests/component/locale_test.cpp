@@ -1,12 +1,14 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <locale>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
 #include "tests/support/faces.h"
 
@@ -29,9 +31,10 @@ protected:
         unsetenv("LOCPATH");
     }
 
-    /// Everything that a run with many digits says and writes.
-    Lines traceOfARun() {
+    /// Everything that a run with many digits says and writes, and one that reads what it wrote.
+    Lines traceOfRuns() {
         component().clearMaterials();
+        std::filesystem::remove_all(host().directory() / "analysis");
         for (int i = 0; i < 1200; ++i)
             insert(photo("photo.jpg"));
         insert(video("clip.mp4", 1000000000)
@@ -44,16 +47,35 @@ protected:
         runToEnd();
         Lines trace = journal();
         trace.push_back(resultFile());
+        runToEnd();
+        for (const std::string& line : journal())
+            trace.push_back(line);
+        for (const auto& record : probe().results())
+            trace.push_back(asText(record.score));
         return trace;
     }
 };
 
 TEST_F(Locale, OfTheStreamsChangesNothing) {
     useKinds({6, 4, 3, 7});
-    const Lines plain = traceOfARun();
+    const Lines plain = traceOfRuns();
     std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
-    const Lines grouped = traceOfARun();
+    const Lines grouped = traceOfRuns();
     EXPECT_EQ(grouped, plain);
+}
+
+TEST_F(Locale, OfTheStreamsReadsNumbersAsTheyAreWritten) {
+    std::locale::global(std::locale(std::locale::classic(), new CommaDecimals));
+    const auto file = host().directory() / "analysis" / "result.json";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file)
+        << ResultText{.result = R"([{"score": 1234.5}, {"score": 1.25e-400}])"}.text();
+    insert(video("clip.mp4", 100 * second).cacheIn(host().directory()));
+    useKinds({4, 3});
+    component().start();
+    ASSERT_EQ(probe().results().size(), 2U);
+    EXPECT_EQ(probe().results()[0].score, 1234.5);
+    EXPECT_EQ(probe().results()[1].score, 0.0);
 }
 
 /// Switches the C library to German, if need be with a locale compiled into `directory`.
@@ -70,10 +92,10 @@ bool speakGerman(const std::filesystem::path& directory) {
 
 TEST_F(Locale, OfTheCLibraryChangesNothing) {
     useKinds({6, 4, 3, 7});
-    const Lines plain = traceOfARun();
+    const Lines plain = traceOfRuns();
     if (!speakGerman(host().directory())) GTEST_SKIP() << "no locale with decimal commas";
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
-    const Lines german = traceOfARun();
+    const Lines german = traceOfRuns();
     EXPECT_EQ(german, plain);
 }
 

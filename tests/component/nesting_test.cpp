@@ -1,4 +1,6 @@
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -6,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
 
 namespace fake_host {
@@ -38,6 +41,7 @@ TEST_F(Nesting, OuterStartLinesComeLastWithTheIndexOfThatMoment) {
     host().takeJournal();
     EXPECT_EQ(component().start(), KOR::statusOk);
     EXPECT_EQ(trace(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -214,6 +218,41 @@ TEST_F(Nesting, HundredThousandTasksFitASmallStack) {
     useKinds({4});
     runOnStackOf(smallStack, [this] { component().start(); });
     EXPECT_EQ(host().startCount, 100000);
+    EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{2});
+}
+
+/// A video whose result file, of one record, a run with the kind 4 takes.
+MediaSpec knownVideo() {
+    const auto file = host().directory() / "analysis" / "result.json";
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << ResultText{.analysisTypes = R"("4")"}.text();
+    return video("known.mp4", 100 * second).cacheIn(host().directory());
+}
+
+TEST_F(Nesting, HundredThousandRestoredVideosFitASmallStack) {
+    host().recording = false;
+    FakeMedia& known = make(knownVideo());
+    component().insertMaterials(materialList(std::vector<FakeMedia*>(100000, &known)).get(), 0);
+    useKinds({4});
+    runOnStackOf(smallStack, [this] { component().start(); });
+    EXPECT_EQ(host().startCount, 0);
+    EXPECT_EQ(probe().results().size(), 100000U);
+    EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{2});
+}
+
+TEST_F(Nesting, RestoredVideosBetweenNestedTasksAddNoDepth) {
+    FakeMedia& known = make(knownVideo());
+    FakeMedia& clip = make(video("clip.mp4", 100 * second));
+    std::vector<FakeMedia*> both;
+    for (int i = 0; i < 1000; ++i)
+        both.insert(both.end(), {&known, &clip, &known});
+    component().insertMaterials(materialList(both).get(), 0);
+    useKinds({4});
+    component().start();
+    EXPECT_EQ(host().startCount, 1000);
+    EXPECT_LE(host().deepestStartDepth, 33);
+    EXPECT_EQ(probe().results().size(), 2000U);
+    EXPECT_EQ(indicesOfStartLines().size(), 1000U);
     EXPECT_EQ(listener.events(), std::vector<std::uint32_t>{2});
 }
 

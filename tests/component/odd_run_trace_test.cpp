@@ -26,6 +26,7 @@ task1.stop
 listener: event 4, 0
 )");
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -58,6 +59,7 @@ TEST_F(OddRunTrace, OfTwoKindListsStallsWhereTheKindsEnd) {
     useKindsQuietly({4, 3});
     // The second task is one for scenes, and is started for keyframes.
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -88,6 +90,7 @@ TEST_F(OddRunTrace, OfAMissingSecondTaskRunsTheFirstOnly) {
     host().faults.failMaking(Product::task, 2);
     useKindsQuietly({4, 3});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -107,6 +110,7 @@ TEST_F(OddRunTrace, OfAMissingFirstTaskStartsTheNextForItsKind) {
     host().faults.failMaking(Product::task, 1);
     useKindsQuietly({4, 3});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)

@@ -58,6 +58,7 @@ log startFaceDetect: "----Start Face Detect---素材idx: 0\n"
 listener: event 1, 12
 task1.getResultList(3, 0, list, 0)
 log faceDetectFinished: "----Finish Face Detect---素材idx: 0\n"
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -109,6 +110,7 @@ listener: event 1, 12
 task1.getResultList(3, 0, list, 0)
 log faceDetectFinished: "----Finish Face Detect---素材idx: 0\n"
 log faceAndEntropyAnalysisFinished: "----Finish face Detect and entropy calculate---素材idx: 0\n"
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -175,6 +177,7 @@ TEST_F(PhotoTrace, OfFacesFirstSelectsThePhotoOverAndOver) {
         if (probe().results().size() == 3) setParam("photoNeedAnalysis", 0);
     };
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(0)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "tests/support/ComponentTest.h"
 #include "tests/support/text.h"
@@ -186,6 +187,17 @@ TEST_F(ResultFile, ThatCannotBeOpenedIsReported) {
     EXPECT_FALSE(save({}));
     EXPECT_EQ(logTexts(), (Lines{"write analysisCachePath: " + file().string(),
                                  "analysisCachePath open failed"}));
+}
+
+TEST_F(ResultFile, IsNotWrittenIntoADeviceOrAPipe) {
+    std::filesystem::create_directories(file().parent_path());
+    std::filesystem::create_symlink("/dev/null", file());
+    ASSERT_FALSE(save({}));
+    std::filesystem::remove(file());
+    ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
+    EXPECT_FALSE(save({}));
+    EXPECT_EQ(logTexts().back(), "analysisCachePath open failed");
+    EXPECT_TRUE(std::filesystem::is_fifo(file()));
 }
 
 TEST_F(ResultFile, WithoutItsDirectoryFailsToOpen) {

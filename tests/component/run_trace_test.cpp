@@ -16,6 +16,8 @@ TEST_F(RunTrace, OfScenesThenKeyFrames) {
     insert(clip().cacheIn(host().directory()));
     useKindsQuietly({4, 3});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "read analysisCachePath: <dir>/analysis/result.json"
+log restoreMaterialAnalysisResult: "analysisCachePath not exists"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -76,6 +78,8 @@ TEST_F(RunTrace, OfTheCombinedKindAlone) {
     insert(clip().cacheIn(host().directory()));
     useKindsQuietly({6});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "read analysisCachePath: <dir>/analysis/result.json"
+log restoreMaterialAnalysisResult: "analysisCachePath not exists"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -107,6 +111,8 @@ TEST_F(RunTrace, OfScenesAlone) {
     insert(clip().cacheIn(host().directory()));
     useKindsQuietly({4});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "read analysisCachePath: <dir>/analysis/result.json"
+log restoreMaterialAnalysisResult: "analysisCachePath not exists"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -129,6 +135,7 @@ TEST_F(RunTrace, OfBlurScenesAndKeyFramesOverTwoVideos) {
     useKindsQuietly({2, 4, 3});
     // The second video's blur task is handed the best keyframes of the first one.
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -159,6 +166,7 @@ log keyFrameDetectFinishedInternal: "[1:0.177000]"
 log keyFrameDetectFinishedInternal: "}\n"
 log keyFrameDetectFinished: "----Finish Keyframe Extract---素材idx: 0\n"
 log saveMaterialAnalysisResult: "mediaCache path is empty"
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(next.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -207,6 +215,7 @@ TEST_F(RunTrace, OfKeyFramesThenScenesOverTwoVideos) {
     useKindsQuietly({3, 4});
     // The second video's keyframes are looked for in the scenes of the first one.
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -227,6 +236,8 @@ listener: event 1, 50
 task1.getResultList(1, 0, list, 0)
 log scenceDetectFinished: "----Finish Scence Detect---素材idx: 0\n"
 log saveMaterialAnalysisResult: "mediaCache path is empty"
+log restoreMaterialAnalysisResult: "read analysisCachePath: <dir>/analysis/result.json"
+log restoreMaterialAnalysisResult: "analysisCachePath not exists"
 task0.setSource(next.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -286,6 +297,7 @@ TEST_F(RunTrace, OfPhotosShortAndLongVideos) {
     insert(photo("b.jpg"));
     useKindsQuietly({4, 3});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)

@@ -34,6 +34,8 @@ TEST_F(ScoreTrace, OfTheTwoCombinedKinds) {
     insert(footage().cacheIn(host().directory()));
     useKindsQuietly({6, 7});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "read analysisCachePath: <dir>/analysis/result.json"
+log restoreMaterialAnalysisResult: "analysisCachePath not exists"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -96,6 +98,7 @@ TEST_F(ScoreTrace, OfFourSingleKinds) {
     insert(footage());
     useKindsQuietly({4, 3, 1, 5});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)
@@ -162,6 +165,7 @@ TEST_F(ScoreTrace, OfBlurAsTheLastKind) {
     insert(footage().keyFrames({100000000, 600000000}));
     useKindsQuietly({4, 3, 2});
     EXPECT_EQ(traceOfRun(), R"(
+log restoreMaterialAnalysisResult: "mediaCache path is empty"
 task0.setSource(clip.mp4, 0, 0)
 task0.setPriority(100)
 task0.setParameterMode(1)

@@ -57,6 +57,10 @@ struct ComponentProbe {
         return component.saveMaterialAnalysisResult(media, results);
     }
 
+    bool restoreMaterialAnalysisResult(IDmBaseMedia* media) {
+        return component.restoreMaterialAnalysisResult(media);
+    }
+
     std::int32_t overallProgressAt(std::int32_t taskPercent) {
         return component.overallProgressAt(taskPercent);
     }
@@ -79,6 +83,8 @@ struct ComponentProbe {
             records.push_back(*record);
         return records;
     }
+
+    std::size_t resultCount() const { return component.analysisResults.size(); }
 
     void moveTo(std::int32_t material, std::int32_t task) {
         component.moveToMaterial(material);

@@ -39,21 +39,21 @@ bool DirUtil::create(const Path& path) {
 }
 
 bool FileUtil::remove(const Path& path) {
+    if (fake_host::host().faults.removalsFail) return false;
     std::error_code error;
     if (std::filesystem::is_directory(path.string(), error)) return false;
     return std::filesystem::remove(path.string(), error);
 }
 
 std::vector<std::string> StringUtil::split(const std::string& text, char separator) {
-    std::vector<std::string> parts(1);
-    for (const char c : text) {
-        if (c == separator) {
-            parts.emplace_back();
-        } else {
-            parts.back() += c;
-        }
+    std::vector<std::string> parts;
+    std::size_t begin = 0;
+    while (true) {
+        const std::size_t end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::string::npos) return parts;
+        begin = end + 1;
     }
-    return parts;
 }
 
 }  // namespace KOR

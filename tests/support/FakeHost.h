@@ -61,6 +61,7 @@ public:
     bool severityDisabled = false;
     bool logStreamsFail = false;
     bool directoriesFail = false;
+    bool removalsFail = false;
 
 private:
     struct OfProduct {

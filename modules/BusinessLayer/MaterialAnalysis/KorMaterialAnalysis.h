@@ -13,6 +13,7 @@
 #include "modules/BusinessLayer/MaterialAnalysis/Records.h"
 #include "modules/BusinessLayer/MaterialAnalysis/Ref.h"
 #include "modules/BusinessLayer/MaterialAnalysis/RefCnt.h"
+#include "modules/BusinessLayer/MaterialAnalysis/ResultCacheText.h"
 
 namespace KOR {
 
@@ -125,8 +126,13 @@ private:
     Status buildAnalysisResults();
     Status addDefaultResult(std::int32_t isPhoto);
     Status finishedAllAnalysis();
+
+    // The result file.
+    bool restoreMaterialAnalysisResult(IDmBaseMedia* media);
+    void appendResults(IDmBaseMedia& media, const std::vector<MaterialAnalysisResult>& results);
     bool saveMaterialAnalysisResult(IDmBaseMedia* media,
                                     const std::vector<const MaterialAnalysisResult*>& results);
+    ResultCacheHeader resultCacheHeader() const;
 
     std::array<std::uint32_t, 3> taskInfo{};
     std::string taskName;

@@ -17,7 +17,7 @@ LogLine::LogLine(const LogSource& source) {
     if (logger == nullptr || !logger->testSeverity(IBsLogger::info)) return;
     stream_ =
         logger->createLogStream(IBsLogger::info, sourceUnit, source.line, source.function, "");
-    text_.imbue(std::locale::classic());
+    if (stream_ != nullptr) text_.emplace().imbue(std::locale::classic());
 }
 
 LogLine::~LogLine() {
@@ -25,7 +25,7 @@ LogLine::~LogLine() {
 }
 
 void LogLine::write() {
-    const std::string text = text_.str();
+    const std::string text = text_->str();
     stream_->write(text.data(), text.size());
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <sstream>
 
 #include "host/logger.h"
@@ -29,14 +30,15 @@ public:
     LogLine& operator=(const LogLine&) = delete;
 
     explicit operator bool() const { return stream_ != nullptr; }
-    std::ostringstream& text() { return text_; }
+    /// What is to be written. Only for a line that is true.
+    std::ostringstream& text() { return *text_; }
 
     /// Hands the text over. Called once.
     void write();
 
 private:
     LogStream* stream_ = nullptr;
-    std::ostringstream text_;
+    std::optional<std::ostringstream> text_;  // costly to make, even for nothing
 };
 
 /// Writes one line: the parts one after another, as a stream formats them.

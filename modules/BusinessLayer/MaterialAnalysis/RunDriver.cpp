@@ -139,11 +139,12 @@ void KorMaterialAnalysis::selectMaterial() {
             if (selectPhotoTask()) return;
             continue;
         }
-        if (!isTooShortToAnalyse(mediaDuration(media), minNeedAnalysisDuartion)) {
+        if (isTooShortToAnalyse(mediaDuration(media), minNeedAnalysisDuartion)) {
+            addDefaultResult(0);
+        } else if (!restoreMaterialAnalysisResult(media)) {
             currentTaskIndex = 0;
             return;
         }
-        addDefaultResult(0);
         moveToMaterial(currentMaterialIndex + 1);
     }
 }

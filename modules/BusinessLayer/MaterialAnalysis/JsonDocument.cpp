@@ -1,0 +1,58 @@
+#include "modules/BusinessLayer/MaterialAnalysis/JsonDocument.h"
+
+#include <charconv>
+#include <cstdint>
+#include <locale>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+namespace KOR {
+
+namespace {
+
+/// Reads all of `digits` as a number; false where it is none of this type, or beyond its range.
+template <typename Number>
+bool read(const char* digits, const char* end, Number& number) {
+    const auto [stop, error] = std::from_chars(digits, end, number);
+    return error == std::errc() && stop == end;
+}
+
+/// The same for doubles of which from_chars may not say whether they are too large or too small:
+/// what is too small is 0.
+bool readExtreme(const char* digits, const char* end, double& number) {
+    std::istringstream stream(std::string(digits, end));
+    stream.imbue(std::locale::classic());
+    return static_cast<bool>(stream >> number);
+}
+
+/// A document that the parser hands its numbers to as texts. The parser's own way to exact doubles
+/// has no defined result for a zero with a large exponent.
+class ExactDocument : public rapidjson::Document {
+public:
+    bool RawNumber(const char* digits, rapidjson::SizeType length, bool /*copy*/) {
+        const char* const end = digits + length;
+        if (std::int64_t whole = 0; read(digits, end, whole)) return Int64(whole);
+        double real = 0;
+        return (read(digits, end, real) || readExtreme(digits, end, real)) && Double(real);
+    }
+};
+
+}  // namespace
+
+std::optional<rapidjson::Document> parseJson(const std::string& text) {
+    constexpr unsigned flags =
+        rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
+    if (text.find('\0') != std::string::npos) return std::nullopt;
+    ExactDocument document;
+    rapidjson::Reader reader;
+    auto parseInto = [&](rapidjson::Document& /*the same*/) {
+        rapidjson::StringStream stream(text.c_str());
+        return !reader.Parse<flags>(stream, document).IsError();
+    };
+    document.Populate(parseInto);
+    if (reader.HasParseError()) return std::nullopt;
+    return std::move(static_cast<rapidjson::Document&>(document));
+}
+
+}  // namespace KOR
