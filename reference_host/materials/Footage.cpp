@@ -48,9 +48,16 @@ void Footage::replaceFaces(FaceCounts counts) {
 }
 
 std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {
+    const auto countIn = [positionTicks](const FaceCounts& counts) {
+        const auto found = counts.find(positionTicks);
+        return found == counts.end() ? std::nullopt : std::optional(found->second);
+    };
     const std::scoped_lock lock(mutex_);
-    const auto found = known_.faceCounts.find(positionTicks);
-    return found == known_.faceCounts.end() ? std::nullopt : std::optional(found->second);
+    if (const auto count = countIn(known_.faceCounts)) return count;
+    if (report_.analysed || *cacheDirectory() == '\0') return std::nullopt;
+    // Another process may have analysed the file since it was imported here.
+    const auto kept = cache::keptFacts(cacheDirectory_);
+    return kept ? countIn(kept->faceCounts) : std::nullopt;
 }
 
 std::shared_ptr<const scenes::FootageRecord> Footage::record() const {
