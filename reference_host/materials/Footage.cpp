@@ -53,11 +53,18 @@ std::optional<std::int32_t> Footage::facesAt(std::int64_t positionTicks) const {
         return found == counts.end() ? std::nullopt : std::optional(found->second);
     };
     const std::scoped_lock lock(mutex_);
-    if (const auto count = countIn(known_.faceCounts)) return count;
-    if (report_.analysed || *cacheDirectory() == '\0') return std::nullopt;
-    // Another process may have analysed the file since it was imported here.
-    const auto kept = cache::keptFacts(cacheDirectory_);
-    return kept ? countIn(kept->faceCounts) : std::nullopt;
+    const auto count = countIn(known_.faceCounts);
+    return count || report_.analysed ? count : countIn(facesOfOthers());
+}
+
+const Footage::FaceCounts& Footage::facesOfOthers() const {
+    if (facesOfOthers_) return *facesOfOthers_;
+    facesOfOthers_.emplace();
+    if (*cacheDirectory() == '\0') return *facesOfOthers_;
+    if (auto kept = cache::keptFacts(cacheDirectory_)) {
+        *facesOfOthers_ = std::move(kept->faceCounts);
+    }
+    return *facesOfOthers_;
 }
 
 std::shared_ptr<const scenes::FootageRecord> Footage::record() const {

@@ -61,6 +61,7 @@ public:
 
 private:
     void replaceFaces(FaceCounts counts);
+    const FaceCounts& facesOfOthers() const;
 
     const std::filesystem::path file_;
     /// After the making, only the faces change, and that under the mutex.
@@ -69,6 +70,8 @@ private:
     std::atomic<bool> failed_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
+    /// What another process may have counted since the import, read when it is first asked for.
+    mutable std::optional<FaceCounts> facesOfOthers_;
     std::shared_ptr<const scenes::FootageRecord> record_;
 };
 
