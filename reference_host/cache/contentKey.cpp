@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <exception>
 #include <memory>
 #include <new>
 #include <system_error>
@@ -107,6 +108,13 @@ std::string contentKey(const media::RegularFile& file, std::string_view faceMode
     hash.add(facts.data(), facts.size());
     addSamples(file, hash);
     return hash.hex();
+}
+
+bool hasContentKey(const std::filesystem::path& path, std::string_view key,
+                   std::string_view faceModel) noexcept try {
+    return contentKey(media::RegularFile(path), faceModel) == key;
+} catch (const std::exception&) {
+    return false;
 }
 
 std::string fingerprint(const media::RegularFile& file) {

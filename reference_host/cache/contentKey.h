@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,10 @@ namespace reference_host::cache {
 /// end and blocks between them, a megabyte together. A file that becomes shorter meanwhile has a
 /// key, too. Throws media::MediaError where it cannot be read.
 std::string contentKey(const media::RegularFile& file, std::string_view faceModel);
+
+/// Says whether a file of this content key is at `path` now.
+bool hasContentKey(const std::filesystem::path& path, std::string_view key,
+                   std::string_view faceModel) noexcept;
 
 /// Returns 32 hex digits that name all bytes of `file`, and these alone. Throws media::MediaError
 /// where it cannot be read.

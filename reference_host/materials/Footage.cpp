@@ -3,12 +3,17 @@
 #include <algorithm>
 #include <utility>
 
+#include "reference_host/cache/contentKey.h"
 #include "reference_host/cache/factsFile.h"
 
 namespace reference_host {
 
-Footage::Footage(std::filesystem::path file, cache::KeptFacts known, std::string cacheDirectory)
-    : file_(std::move(file)), known_(std::move(known)), cacheDirectory_(std::move(cacheDirectory)) {
+Footage::Footage(std::filesystem::path file, ImportedContent content, cache::KeptFacts known,
+                 std::string cacheDirectory)
+    : file_(std::move(file)),
+      content_(std::move(content)),
+      known_(std::move(known)),
+      cacheDirectory_(std::move(cacheDirectory)) {
     report_.warnings = known_.footage.warnings;
 }
 
@@ -17,10 +22,16 @@ void Footage::noteAnalysis() {
     if (!std::exchange(report_.analysed, true)) replaceFaces({});
 }
 
+void Footage::noteAnalysed() {
+    if (cache::hasContentKey(file_, content_.key, content_.faceModel)) return;
+    isTainted_ = true;
+    noteWarning("the file was changed or moved while it was analysed");
+}
+
 void Footage::noteFailure(const std::string& reason) {
     const std::scoped_lock lock(mutex_);
     if (report_.failure.empty()) report_.failure = reason;
-    failed_ = true;
+    isTainted_ = true;
 }
 
 void Footage::noteWarning(const std::string& warning) {

@@ -17,23 +17,37 @@
 
 namespace reference_host {
 
+/// What stood at a file's path when it was imported: its content key, and the fingerprint of the
+/// face model that is part of it.
+struct ImportedContent {
+    std::string key;
+    std::string faceModel;
+};
+
 /// A media file and what has become of it. Materials and the runs that read it share it, so that a
 /// run may outlive its material. Any thread.
 class Footage {
 public:
     /// `known` is what is known of the file, perhaps by an earlier run. `cacheDirectory` is UTF-8,
     /// empty where nothing may be kept.
-    Footage(std::filesystem::path file, cache::KeptFacts known, std::string cacheDirectory);
+    Footage(std::filesystem::path file, ImportedContent content, cache::KeptFacts known,
+            std::string cacheDirectory);
 
     const std::filesystem::path& file() const { return file_; }
     const media::FootageFacts& facts() const { return known_.footage; }
 
-    /// Returns the directory for what is computed; empty after a failure.
-    const char* cacheDirectory() const { return failed_ ? "" : cacheDirectory_.c_str(); }
+    /// Returns the directory for what is computed; empty after a failure, or where it was computed
+    /// from another content.
+    const char* cacheDirectory() const { return isTainted_ ? "" : cacheDirectory_.c_str(); }
 
     /// Takes in that an analysis begins. Faces that an earlier run has counted are forgotten: they
     /// belong to its results, and this run has other ones.
     void noteAnalysis();
+
+    /// Takes in that an analysis ends well. Its results are not kept, and there is a warning, where
+    /// another content has taken the place of the one that was imported, or the file is gone: it
+    /// may be found elsewhere again, and these results would be taken for its own.
+    void noteAnalysed();
 
     /// Takes the reason of a failed task; the first one is reported.
     void noteFailure(const std::string& reason);
@@ -64,10 +78,11 @@ private:
     const FaceCounts& facesOfOthers() const;
 
     const std::filesystem::path file_;
+    const ImportedContent content_;
     /// After the making, only the faces change, and that under the mutex.
     cache::KeptFacts known_;
     const std::string cacheDirectory_;
-    std::atomic<bool> failed_{false};
+    std::atomic<bool> isTainted_{false};
     mutable std::mutex mutex_;
     MaterialReport report_;
     /// What another process may have counted since the import, read when it is first asked for.

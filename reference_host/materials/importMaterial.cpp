@@ -51,11 +51,12 @@ cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
 ImportedMaterial importMaterial(const std::filesystem::path& file,
                                 const std::filesystem::path& cacheRoot, std::stop_token stop) {
     try {
-        const std::string key = cache::contentKey(media::RegularFile(file),
-                                                  FaceDetectors::instance().modelFingerprint());
+        const std::string faceModel = FaceDetectors::instance().modelFingerprint();
+        const std::string key = cache::contentKey(media::RegularFile(file), faceModel);
         const fs::path cacheDirectory = cacheRoot.empty() ? fs::path() : cacheRoot / key;
-        auto footage = std::make_shared<Footage>(file, factsOf(file, cacheDirectory, stop),
-                                                 cacheDirectory.string());
+        auto footage =
+            std::make_shared<Footage>(file, ImportedContent{key, faceModel},
+                                      factsOf(file, cacheDirectory, stop), cacheDirectory.string());
         return {.object = new Material(std::move(footage)), .error = {}, .contentKey = key};
     } catch (const std::bad_alloc&) {
         return {.object = nullptr, .error = "there is not enough memory for it", .contentKey = {}};

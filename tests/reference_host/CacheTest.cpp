@@ -343,6 +343,42 @@ TEST_F(Cache, FacesOfAnEarlierRunGoWithItsResults) {
     EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), std::nullopt);
 }
 
+TEST_F(Cache, NothingIsKeptOfAFileThatIsReplacedMeanwhile) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    AnalysisRun run({1}, file, root());
+    ASSERT_EQ(sourceOf(run.material).getMediaInfoText("media_cache"), directoryOf(file));
+    fs::rename(file, files.path("moved.mp4"));
+    files.makeVideo("a.mp4", 20);
+    run.finish();
+    EXPECT_STREQ(sourceOf(run.material).getMediaInfoText("media_cache"), "");
+    const auto report = reference_host::reportOf(*run.material);
+    EXPECT_EQ(report.failure, "");
+    EXPECT_EQ(report.warnings,
+              std::vector<std::string>{"the file was changed or moved while it was analysed"});
+}
+
+TEST_F(Cache, NothingIsKeptOfAFileThatIsGoneMeanwhile) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    AnalysisRun run({8}, file, root());
+    run.finish();
+    ASSERT_STRNE(sourceOf(run.material).getMediaInfoText("media_cache"), "");
+    fs::rename(file, files.path("moved.mp4"));
+    // There is nothing to look at: the task need not open the file.
+    run.lookAt({});
+    run.finish(2);
+    EXPECT_STREQ(sourceOf(run.material).getMediaInfoText("media_cache"), "");
+    EXPECT_EQ(reference_host::reportOf(*run.material).failure, "");
+}
+
+TEST_F(Cache, AnotherFaceModelIsNoChangeOfTheFile) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    AnalysisRun run({8}, file, root());
+    reference_host::useFaceModel(files.write("other.onnx", blindModel(1)));
+    run.finish();
+    EXPECT_STRNE(sourceOf(run.material).getMediaInfoText("media_cache"), "");
+    EXPECT_EQ(reference_host::reportOf(*run.material).warnings, std::vector<std::string>());
+}
+
 TEST_F(Cache, FacesStayForALaterTaskOfTheSameRun) {
     const fs::path file = files.makeVideo("a.mp4", 10);
     AnalysisRun faces({3}, file, root());
