@@ -24,6 +24,13 @@ void write(Writer& writer, std::string_view text) {
     writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
+void write(Writer& writer, const std::vector<std::string>& texts) {
+    writer.StartArray();
+    for (const std::string& text : texts)
+        write(writer, text);
+    writer.EndArray();
+}
+
 /// The members of an object, asked for by type: what is missing or of another type is none.
 class Members {
 public:
@@ -157,10 +164,9 @@ std::string keptFactsText(const KeptFacts& facts) {
         writer.Int64(timestamp);
     writer.EndArray();
     writer.Key("warnings");
-    writer.StartArray();
-    for (const std::string& warning : facts.footage.warnings)
-        write(writer, warning);
-    writer.EndArray();
+    write(writer, facts.footage.warnings);
+    writer.Key("analysisWarnings");
+    write(writer, facts.analysisWarnings);
     writer.Key("faceCounts");
     writer.StartArray();
     for (const auto& [position, count] : facts.faceCounts) {
@@ -183,15 +189,19 @@ std::optional<KeptFacts> parseKeptFacts(std::string_view text) {
     auto madeBy = members.text("madeBy");
     auto file = members.text("file");
     auto footage = footageOf(members);
+    auto warnings = members.list("analysisWarnings", warningOf);
     const auto counts = members.list("faceCounts", faceCountOf);
-    if (!madeBy || !file || !isAbsolutePath(*file) || !footage || !counts) return std::nullopt;
+    if (!madeBy || !file || !isAbsolutePath(*file) || !footage) return std::nullopt;
+    if (!warnings || !counts) return std::nullopt;
     if (!isAscending(*counts, [](const FaceCount& count) { return count.first; })) {
         return std::nullopt;
     }
-    if (!footage->isVideo && !counts->empty()) return std::nullopt;
+    const bool wasAnalysed = !warnings->empty() || !counts->empty();
+    if (!footage->isVideo && wasAnalysed) return std::nullopt;
     return KeptFacts{*std::move(madeBy),
                      *std::move(file),
                      *std::move(footage),
+                     *std::move(warnings),
                      {counts->begin(), counts->end()}};
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "reference_host/media/FootageFacts.h"
 
@@ -17,6 +18,8 @@ struct KeptFacts {
     /// The absolute path under which the file was last imported.
     std::string file;
     media::FootageFacts footage;
+    /// What the last analysis of a video found wrong with the file, one line each.
+    std::vector<std::string> analysisWarnings;
     /// How many faces the last detection found in pictures of a video, by their positions in ticks.
     std::map<std::int64_t, std::int32_t> faceCounts;
 

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
 #include <exception>
+#include <random>
 #include <string>
 #include <system_error>
 
@@ -40,9 +40,14 @@ std::string contentOf(const media::RegularFile& file) {
 /// A new file beside the one that it is to replace. Goes away unless it does.
 class Replacement {
 public:
-    explicit Replacement(const fs::path& directory)
-        : name_((directory / unfinishedFactsName).string() + "XXXXXX"),
-          descriptor_(::mkostemp(name_.data(), O_CLOEXEC)) {}
+    explicit Replacement(const fs::path& directory) {
+        // Not by mkstemp, whose files nobody else may read.
+        std::random_device random;
+        do {
+            name_ = directory / (std::string(unfinishedFactsName) + sixDigits(random()));
+            descriptor_ = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        } while (descriptor_ < 0 && errno == EEXIST);
+    }
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
     ~Replacement() {
@@ -69,8 +74,12 @@ public:
     }
 
 private:
-    std::string name_;
-    int descriptor_;
+    static std::string sixDigits(unsigned number) {
+        return std::to_string(1'000'000 + number % 1'000'000).substr(1);
+    }
+
+    fs::path name_;
+    int descriptor_ = -1;
     bool isInPlace_ = false;
 };
 

@@ -15,17 +15,23 @@ Footage::Footage(std::filesystem::path file, ImportedContent content, cache::Kep
       known_(std::move(known)),
       cacheDirectory_(std::move(cacheDirectory)) {
     report_.warnings = known_.footage.warnings;
+    report_.warnings.insert(report_.warnings.end(), known_.analysisWarnings.begin(),
+                            known_.analysisWarnings.end());
 }
 
 void Footage::noteAnalysis() {
     const std::scoped_lock lock(mutex_);
-    if (!std::exchange(report_.analysed, true)) replaceFaces({});
+    if (std::exchange(report_.analysed, true)) return;
+    report_.warnings = known_.footage.warnings;
+    forgetAnalysis();
 }
 
 void Footage::noteAnalysed() {
     if (cache::hasContentKey(file_, content_.key, content_.faceModel)) return;
+    const std::scoped_lock lock(mutex_);
+    forgetAnalysis();
     isTainted_ = true;
-    noteWarning("the file was changed or moved while it was analysed");
+    addWarning("the file was changed or moved while it was analysed");
 }
 
 void Footage::noteFailure(const std::string& reason) {
@@ -36,8 +42,15 @@ void Footage::noteFailure(const std::string& reason) {
 
 void Footage::noteWarning(const std::string& warning) {
     const std::scoped_lock lock(mutex_);
-    std::vector<std::string>& known = report_.warnings;
-    if (std::find(known.begin(), known.end(), warning) == known.end()) known.push_back(warning);
+    addWarning(warning);
+}
+
+void Footage::addWarning(const std::string& warning) {
+    std::vector<std::string>& all = report_.warnings;
+    if (std::find(all.begin(), all.end(), warning) != all.end()) return;
+    all.push_back(warning);
+    known_.analysisWarnings.push_back(warning);
+    keepAnalysis();
 }
 
 MaterialReport Footage::report() const {
@@ -47,14 +60,21 @@ MaterialReport Footage::report() const {
 
 void Footage::noteFaces(FaceCounts counts) {
     const std::scoped_lock lock(mutex_);
-    replaceFaces(std::move(counts));
-}
-
-void Footage::replaceFaces(FaceCounts counts) {
     if (counts == known_.faceCounts) return;
     known_.faceCounts = std::move(counts);
+    keepAnalysis();
+}
+
+void Footage::forgetAnalysis() {
+    if (known_.faceCounts.empty() && known_.analysisWarnings.empty()) return;
+    known_.faceCounts.clear();
+    known_.analysisWarnings.clear();
+    keepAnalysis();
+}
+
+void Footage::keepAnalysis() const {
     // No run takes the results of a photo from the cache.
-    const bool isKept = facts().isVideo && !cacheDirectory_.empty();
+    const bool isKept = facts().isVideo && *cacheDirectory() != '\0';
     if (isKept) cache::keepFacts(cacheDirectory_, known_);
 }
 

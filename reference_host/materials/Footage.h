@@ -40,8 +40,8 @@ public:
     /// from another content.
     const char* cacheDirectory() const { return isTainted_ ? "" : cacheDirectory_.c_str(); }
 
-    /// Takes in that an analysis begins. Faces that an earlier run has counted are forgotten: they
-    /// belong to its results, and this run has other ones.
+    /// Takes in that an analysis begins. What an earlier run has noted is forgotten: it belongs to
+    /// that run's results, and this one has others.
     void noteAnalysis();
 
     /// Takes in that an analysis ends well. Its results are not kept, and there is a warning, where
@@ -52,7 +52,8 @@ public:
     /// Takes the reason of a failed task; the first one is reported.
     void noteFailure(const std::string& reason);
 
-    /// Takes a warning; one that is known already is not repeated.
+    /// Takes a warning; one that is known already is not repeated. Of a video it is kept for later
+    /// runs, which may take the results from the cache.
     void noteWarning(const std::string& warning);
 
     MaterialReport report() const;
@@ -74,12 +75,14 @@ public:
     void keepRecord(std::shared_ptr<const scenes::FootageRecord> record);
 
 private:
-    void replaceFaces(FaceCounts counts);
+    void addWarning(const std::string& warning);
+    void forgetAnalysis();
+    void keepAnalysis() const;
     const FaceCounts& facesOfOthers() const;
 
     const std::filesystem::path file_;
     const ImportedContent content_;
-    /// After the making, only the faces change, and that under the mutex.
+    /// After the making, only what an analysis has noted changes, and that under the mutex.
     cache::KeptFacts known_;
     const std::string cacheDirectory_;
     std::atomic<bool> isTainted_{false};

@@ -2,6 +2,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "reference_host/ReferenceHost.h"
@@ -19,14 +20,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Returns the path as it is from the root on. Nothing is looked up: behind a link, ".." leads
-/// elsewhere than it seems.
+/// Returns the path from the root on, without links on the way where they can be followed; the
+/// file's own name stays.
 std::string absolutePath(const fs::path& file) {
-    fs::path place;
-    for (const fs::path& part : fs::absolute(file)) {
-        if (part != ".") place /= part;
-    }
-    return place.string();
+    const fs::path place = fs::absolute(file);
+    std::error_code error;
+    const fs::path directory = fs::canonical(place.parent_path(), error);
+    return (error ? place : directory / place.filename()).string();
 }
 
 /// Returns what is known of the file, from the cache where these libraries have put it there. Looks
@@ -40,7 +40,8 @@ cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
     const std::string place = absolutePath(file);
     if (kept && kept->file == place) return *std::move(kept);
     cache::KeptFacts facts =
-        kept ? *std::move(kept) : cache::KeptFacts{madeBy, place, media::inspect(file, stop), {}};
+        kept ? *std::move(kept)
+             : cache::KeptFacts{madeBy, place, media::inspect(file, stop), {}, {}};
     facts.file = place;
     if (!cacheDirectory.empty()) cache::keepFacts(cacheDirectory, facts);
     return facts;

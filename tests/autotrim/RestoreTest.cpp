@@ -336,6 +336,20 @@ TEST_F(SameContent, IsSharedByPhotos) {
     EXPECT_EQ(first, underEachName(first[0], files));
 }
 
+TEST_F(Restore, WarnsOfADamagedFileEachTime) {
+    const std::vector<std::string> arguments = {"--cache", cache().string(), "--json", "-",
+                                                "damaged.mp4"};
+    const Ended first = run(arguments);
+    const Ended second = run(arguments);
+    EXPECT_EQ(materialsOf(second)[0]["outcome"], "restored");
+    EXPECT_EQ(first.errorLines().size(), 1U) << first.errors;
+    EXPECT_EQ(second.errors, first.errors);
+    // Another analysis has the warning anew, once.
+    std::vector<std::string> other = arguments;
+    other.insert(other.begin(), {"--threshold", "2.5"});
+    EXPECT_EQ(run(other).errors, first.errors);
+}
+
 TEST_F(SameContent, WarnsUnderEachName) {
     const std::string a = copyOf("damaged.mp4", "a.mp4").string();
     const std::string b = copyOf("damaged.mp4", "b.mp4").string();

@@ -43,7 +43,7 @@ protected:
 
     /// What a look at the file gives, as it should be kept.
     static cache::KeptFacts lookAt(const fs::path& file) {
-        return {media::libraryVersions(), file.string(), media::inspect(file), {}};
+        return {media::libraryVersions(), file.string(), media::inspect(file), {}, {}};
     }
 
     /// How many things of any kind stand in the cache.
@@ -84,9 +84,16 @@ TEST_F(Cache, SecondImportGivesTheSameMaterial) {
     EXPECT_STREQ(sourceOf(second).getMediaInfoText("media_cache"), directoryOf(file).c_str());
 }
 
+TEST_F(Cache, FactsMayBeReadByThoseWhoMayReadOtherNewFiles) {
+    const fs::path file = files.makeVideo("a.mp4", 2);
+    import(file, root());
+    const auto mayDo = [](const fs::path& place) { return fs::status(place).permissions(); };
+    EXPECT_EQ(mayDo(factsOf(file)), mayDo(files.write("any.txt", "any")));
+}
+
 TEST_F(Cache, NothingOfTheFileIsReadButSamples) {
     const fs::path file = files.write("a.mp4", "no media file at all");
-    cache::KeptFacts facts{media::libraryVersions(), file.string(), {}, {}};
+    cache::KeptFacts facts{media::libraryVersions(), file.string(), {}, {}, {}};
     facts.footage.isVideo = true;
     facts.footage.durationTicks = 777;
     cache::keepFacts(directoryOf(file), facts);
@@ -114,7 +121,7 @@ TEST_F(Cache, NothingBetweenSamplesIsRead) {
 
 TEST_F(Cache, FactsOfOtherLibrariesAreFoundOutAgain) {
     const fs::path file = files.makeVideo("a.mp4", 10);
-    cache::KeptFacts facts{"libavformat 1.2.3", file.string(), {}, {}};
+    cache::KeptFacts facts{"libavformat 1.2.3", file.string(), {}, {}, {}};
     facts.footage.isVideo = true;
     facts.footage.durationTicks = 777;
     cache::keepFacts(directoryOf(file), facts);

@@ -28,6 +28,7 @@ KeptFacts video() {
                      .lastTimestamp = 66048,
                      .keyTimestamps = {-512, 0, 25600},
                      .warnings = {"damaged: the file ends before its last frame"}};
+    facts.analysisWarnings = {"damaged: 1 of 9 frames could not be decoded whole"};
     facts.faceCounts = {{0, 2}, {4000000, 0}, {8000000, 20}};
     return facts;
 }
@@ -51,9 +52,10 @@ TEST(KeptFacts, AreJsonOfPlainMembers) {
     std::vector<std::string> names;
     for (const auto& [name, value] : json.items())
         names.push_back(name);
-    EXPECT_EQ(names, (std::vector<std::string>{"format", "madeBy", "file", "isVideo",
-                                               "durationTicks", "originTimestamp", "lastTimestamp",
-                                               "keyTimestamps", "warnings", "faceCounts"}));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"format", "madeBy", "file", "isVideo", "durationTicks",
+                                        "originTimestamp", "lastTimestamp", "keyTimestamps",
+                                        "warnings", "analysisWarnings", "faceCounts"}));
     EXPECT_EQ(json["faceCounts"], Json::parse("[[0, 2], [4000000, 0], [8000000, 20]]"));
 }
 
@@ -74,19 +76,24 @@ std::vector<std::int64_t> sorted(std::vector<std::int64_t> values) {
     return values;
 }
 
+std::vector<std::string> anyWarnings() {
+    return *rc::gen::container<std::vector<std::string>>(
+        rc::gen::container<std::string>(rc::gen::inRange(' ', '\x7f')));
+}
+
 KeptFacts anyFacts() {
     KeptFacts facts;
     facts.madeBy = *rc::gen::arbitrary<std::string>();
     facts.file = "/" + *rc::gen::container<std::string>(rc::gen::nonZero<char>());
     facts.footage.isVideo = *rc::gen::arbitrary<bool>();
     facts.footage.originTimestamp = *rc::gen::arbitrary<std::int64_t>();
-    facts.footage.warnings = *rc::gen::container<std::vector<std::string>>(
-        rc::gen::container<std::string>(rc::gen::inRange(' ', '\x7f')));
+    facts.footage.warnings = anyWarnings();
     if (!facts.footage.isVideo) return facts;
     facts.footage.durationTicks =
         *rc::gen::inRange<std::int64_t>(1, reference_host::media::maxDurationTicks + 1);
     facts.footage.lastTimestamp = *rc::gen::arbitrary<std::int64_t>();
     facts.footage.keyTimestamps = sorted(*rc::gen::arbitrary<std::vector<std::int64_t>>());
+    facts.analysisWarnings = anyWarnings();
     for (const std::int64_t position : *rc::gen::arbitrary<std::vector<std::int64_t>>())
         facts.faceCounts[position] = *rc::gen::inRange(0, 21);
     return facts;
@@ -206,12 +213,13 @@ TEST(KeptFacts, MoreKeyFramesThanAreEverKeptAreRefused) {
     EXPECT_FALSE(parseKeptFacts(with("keyTimestamps", timestamps)));
 }
 
-TEST(KeptFacts, PhotosHaveNoLengthAndNoFaces) {
+TEST(KeptFacts, PhotosHaveNoLengthAndNoAnalysis) {
     Json json = Json::parse(keptFactsText(photo()));
     ASSERT_TRUE(parseKeptFacts(json.dump()));
     for (const auto& [name, value] : {std::pair<std::string, Json>{"durationTicks", 2},
                                       {"lastTimestamp", 1},
                                       {"keyTimestamps", Json::array({1})},
+                                      {"analysisWarnings", Json::array({"damaged"})},
                                       {"faceCounts", Json::parse("[[0, 1]]")}}) {
         Json changed = json;
         changed[name] = value;
@@ -220,9 +228,11 @@ TEST(KeptFacts, PhotosHaveNoLengthAndNoFaces) {
 }
 
 TEST(KeptFacts, WarningsArePlainLines) {
-    EXPECT_TRUE(parseKeptFacts(with("warnings", {"damaged: 100 %"})));
-    for (const char* text : {"two\nlines", "\x1b[31mred", "\x7f", "\xc2\x9b"})
-        EXPECT_FALSE(parseKeptFacts(with("warnings", Json::array({text}))));
+    for (const char* warnings : {"warnings", "analysisWarnings"}) {
+        EXPECT_TRUE(parseKeptFacts(with(warnings, {"damaged: 100 %"})));
+        for (const char* text : {"two\nlines", "\x1b[31mred", "\x7f", "\xc2\x9b"})
+            EXPECT_FALSE(parseKeptFacts(with(warnings, Json::array({text}))));
+    }
 }
 
 TEST(KeptFacts, FileIsAnAbsolutePath) {
