@@ -33,15 +33,21 @@ std::string absolutePath(const fs::path& file) {
 /// at the file and keeps what it finds otherwise. An empty directory keeps nothing.
 cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
                          const std::stop_token& stop) {
-    const std::string madeBy = media::libraryVersions();
-    std::optional<cache::KeptFacts> kept;
-    if (!cacheDirectory.empty()) kept = cache::keptFacts(cacheDirectory);
-    if (kept && kept->madeBy != madeBy) kept.reset();
+    cache::KeptFacts facts;
+    if (!cacheDirectory.empty()) facts = cache::keptFacts(cacheDirectory).value_or(facts);
     const std::string place = absolutePath(file);
-    if (kept && kept->file == place) return *std::move(kept);
-    cache::KeptFacts facts =
-        kept ? *std::move(kept)
-             : cache::KeptFacts{madeBy, place, media::inspect(file, stop), {}, {}};
+    const std::string madeBy = media::libraryVersions();
+    const bool isKnown = facts.madeBy == madeBy;
+    if (isKnown && facts.file == place) return facts;
+    if (!isKnown) {
+        facts.footage = media::inspect(file, stop);
+        facts.madeBy = madeBy;
+        // What the analysis of a video has noted belongs to its results, which stay.
+        if (!facts.footage.isVideo) {
+            facts.analysisWarnings.clear();
+            facts.faceCounts.clear();
+        }
+    }
     facts.file = place;
     if (!cacheDirectory.empty()) cache::keepFacts(cacheDirectory, facts);
     return facts;

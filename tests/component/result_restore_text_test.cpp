@@ -441,5 +441,21 @@ TEST_F(ResultRestoreText, GivesManyRecordsInTheirOrder) {
         ASSERT_EQ(all[i].begin, static_cast<std::int64_t>(i));
 }
 
+// How many there may be.
+
+std::string emptyElements(std::size_t count) {
+    std::string list = "[{}";
+    for (std::size_t i = 1; i < count; ++i)
+        list += ",{}";
+    return ResultText{.result = list + "]"}.text();
+}
+
+TEST_F(ResultRestoreText, OfMoreRecordsThanAreEverWrittenIsRefused) {
+    constexpr std::size_t most = std::size_t{1} << 19;
+    EXPECT_EQ(restored(emptyElements(most)).size(), most);
+    expectDeleted(emptyElements(most + 1), invalid);
+    EXPECT_EQ(probe().results().size(), most);
+}
+
 }  // namespace
 }  // namespace fake_host

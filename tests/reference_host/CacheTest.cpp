@@ -335,6 +335,27 @@ TEST_F(Cache, FacesStayWithAMovedFile) {
     EXPECT_EQ(reference_host::facesAt(*import(files.path("b.mp4"), root()), 0), 0);
 }
 
+TEST_F(Cache, FacesStayWhenOtherLibrariesLookAgain) {
+    const fs::path file = files.makeVideo("a.mp4", 10);
+    cache::KeptFacts facts = lookAt(file);
+    facts.madeBy = "libavformat 1.2.3";
+    facts.faceCounts = {{0, 2}};
+    cache::keepFacts(directoryOf(file), facts);
+    EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), 2);
+    EXPECT_EQ(cache::keptFacts(directoryOf(file))->madeBy, media::libraryVersions());
+    EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), 2);
+}
+
+TEST_F(Cache, FacesGoWhenOtherLibrariesSeeAPhoto) {
+    const fs::path file = files.makeVideo("a.png", 1, "");
+    cache::KeptFacts facts{"libavformat 1.2.3", file.string(), {}, {{0, 2}}};
+    facts.footage.isVideo = true;
+    facts.footage.durationTicks = 777;
+    cache::keepFacts(directoryOf(file), facts);
+    EXPECT_EQ(reference_host::facesAt(*import(file, root()), 0), std::nullopt);
+    EXPECT_EQ(cache::keptFacts(directoryOf(file)), lookAt(file));
+}
+
 TEST_F(Cache, FacesOfAnEarlierRunGoWithItsResults) {
     const fs::path file = files.makeVideo("a.mp4", 10);
     {

@@ -33,7 +33,7 @@ const char* mediaCacheOf(IDmBaseMedia* media, const char* function) {
 }
 
 /// A longer file is not read, as if it were empty: no file may take the host's memory. This is some
-/// 300,000 records.
+/// 300,000 records as they are written.
 constexpr std::uintmax_t longestTextBytes = 64 << 20;
 
 /// Whether something stands at `file` whose opening could wait or act: a directory, a pipe, a

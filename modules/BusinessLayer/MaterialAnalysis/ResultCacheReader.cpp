@@ -21,6 +21,10 @@ constexpr const char* invalid = "cache result invalidate";
 /// Thresholds that differ by no more than this count as equal.
 constexpr double thresholdTolerance = 0.001;
 
+/// More than there are in any written file of the longest size that is read. An element can be as
+/// short as "{}", and its record takes many times that.
+constexpr rapidjson::SizeType mostResults = 1 << 19;
+
 /// Returns the member of that name, or null.
 const Value* memberOf(const Value& object, const char* name) {
     const auto found = object.FindMember(name);
@@ -117,7 +121,9 @@ std::optional<MaterialAnalysisResult> resultOf(const Value& element) {
 
 ResultCacheReading readResults(const Value* list) {
     if (list == nullptr) return {};
-    if (!list->IsArray()) return {.rejection = invalid, .results = {}};
+    if (!list->IsArray() || list->Size() > mostResults) {
+        return {.rejection = invalid, .results = {}};
+    }
     ResultCacheReading reading;
     reading.results.reserve(list->Size());
     for (const Value& element : list->GetArray()) {
