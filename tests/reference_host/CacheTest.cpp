@@ -348,7 +348,7 @@ TEST_F(Cache, FacesStayWhenOtherLibrariesLookAgain) {
 
 TEST_F(Cache, FacesGoWhenOtherLibrariesSeeAPhoto) {
     const fs::path file = files.makeVideo("a.png", 1, "");
-    cache::KeptFacts facts{"libavformat 1.2.3", file.string(), {}, {{0, 2}}};
+    cache::KeptFacts facts{"libavformat 1.2.3", file.string(), {}, {}, {{0, 2}}};
     facts.footage.isVideo = true;
     facts.footage.durationTicks = 777;
     cache::keepFacts(directoryOf(file), facts);
