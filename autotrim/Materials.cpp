@@ -131,7 +131,7 @@ std::size_t Materials::reached() const {
         std::find_if(materials_.rbegin(), materials_.rend(), [](const Material& material) {
             return reference_host::reportOf(*material.object).analysed;
         });
-    return latest == materials_.rend() ? files_.size() - 1 : latest->firstFile;
+    return (latest == materials_.rend() ? materials_.back() : *latest).firstFile;
 }
 
 std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component, RunEnd end,

@@ -36,7 +36,7 @@ public:
 
     /// Returns the index of the file that a run has come to, once it tells of progress: the first
     /// one of the material that was begun with last. Where none was, the run had nothing to analyse
-    /// and is at the last file.
+    /// and is at the last material. There is one.
     std::size_t reached() const;
 
     /// Returns what has become of each file in a run by `options`.

@@ -262,10 +262,12 @@ TEST_F(Restore, IsNotTriedWithoutACache) {
 }
 
 TEST_F(Restore, ReportsNothingOddAsProgress) {
-    const std::vector<std::string> arguments = {"--cache", cache().string(), "--progress",
-                                                "machine", "two.mp4",        "scenes.mp4"};
+    const std::vector<std::string> arguments = {
+        "--cache", cache().string(), "--progress", "machine", "two.mp4", "scenes.mp4", "missing"};
     run(arguments);
-    EXPECT_EQ(run(arguments).errors, "{\"file\":\"scenes.mp4\",\"percent\":100}\n");
+    EXPECT_EQ(run(arguments).errorLines(),
+              (std::vector<std::string>{"autotrim: missing: there is no such file",
+                                        "{\"file\":\"scenes.mp4\",\"percent\":100}"}));
 }
 
 /// What a run reports of files with the same content: `entry` under each of `names`.
