@@ -346,10 +346,13 @@ TEST_F(Restore, WarnsOfADamagedFileEachTime) {
     EXPECT_EQ(materialsOf(second)[0]["outcome"], "restored");
     EXPECT_EQ(first.errorLines().size(), 1U) << first.errors;
     EXPECT_EQ(second.errors, first.errors);
-    // Another analysis has the warning anew, once.
+    // Another analysis has the warning anew, once. How many frames are damaged may differ by one:
+    // it depends on the decoder's threads.
     std::vector<std::string> other = arguments;
     other.insert(other.begin(), {"--threshold", "2.5"});
-    EXPECT_EQ(run(other).errors, first.errors);
+    const std::vector<std::string> lines = run(other).errorLines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_TRUE(lines[0].starts_with("autotrim: damaged.mp4: warning: damaged: ")) << lines[0];
 }
 
 TEST_F(SameContent, WarnsUnderEachName) {
