@@ -1,6 +1,7 @@
 #include "autotrim/Cache.h"
 
 #include <string>
+#include <vector>
 
 #include "autotrim/CacheTable.h"
 #include "autotrim/ExitCode.h"
@@ -16,27 +17,36 @@ void tellOfEmptyCache(const std::filesystem::path& cacheRoot) {
     writeToStandardOutput("nothing is kept in " + printable(cacheRoot.string()) + "\n");
 }
 
+void tellFailures(const std::vector<std::string>& failures) {
+    for (const std::string& failure : failures)
+        say(failure);
+}
+
+int exitCodeOf(const std::vector<std::string>& failures) {
+    return failures.empty() ? exitAllDone : exitSomeFailed;
+}
+
 int list(const std::filesystem::path& cacheRoot) {
-    const auto materials = reference_host::listCache(cacheRoot);
-    if (materials.empty()) {
+    const auto listing = reference_host::listCache(cacheRoot);
+    tellFailures(listing.failures);
+    if (!listing.materials.empty()) {
+        writeToStandardOutput(cacheTable(listing.materials));
+    } else if (listing.failures.empty()) {
         tellOfEmptyCache(cacheRoot);
-    } else {
-        writeToStandardOutput(cacheTable(materials));
     }
-    return exitAllDone;
+    return exitCodeOf(listing.failures);
 }
 
 int clear(const std::filesystem::path& cacheRoot) {
     const auto cleared = reference_host::clearCache(cacheRoot);
-    for (const std::string& failure : cleared.failures)
-        say(failure);
+    tellFailures(cleared.failures);
     if (cleared.materials > 0) {
         writeToStandardOutput("deleted what was kept of " +
                               sumOfKept(cleared.materials, cleared.sizeBytes) + "\n");
     } else if (cleared.failures.empty()) {
         tellOfEmptyCache(cacheRoot);
     }
-    return cleared.failures.empty() ? exitAllDone : exitSomeFailed;
+    return exitCodeOf(cleared.failures);
 }
 
 }  // namespace

@@ -52,10 +52,18 @@ struct CachedMaterial {
     bool hasResult = false;
 };
 
-/// Returns what is kept below `cacheRoot`, in ascending order of `file`; nothing where there is no
-/// such directory. What neither this host nor the component by it has made is passed over. Throws
-/// std::runtime_error, which names the root, where it cannot be read.
-std::vector<CachedMaterial> listCache(const std::filesystem::path& cacheRoot);
+/// What listCache has found.
+struct CacheListing {
+    /// In ascending order of `file`.
+    std::vector<CachedMaterial> materials;
+    /// What could not be looked at, and why: one line each.
+    std::vector<std::string> failures;
+};
+
+/// Returns what is kept below `cacheRoot`; nothing where there is no such directory. What neither
+/// this host nor the component by it has made is passed over. Throws std::runtime_error, which
+/// names the root, where it cannot be read.
+CacheListing listCache(const std::filesystem::path& cacheRoot);
 
 /// What clearCache has done.
 struct ClearedCache {

@@ -103,4 +103,9 @@ void keepFacts(const fs::path& directory, const KeptFacts& facts) noexcept try {
     // As it says: they will be found out again.
 }
 
+void forgetFacts(const fs::path& directory) noexcept {
+    std::error_code notThere;
+    fs::remove(directory / factsName, notThere);
+}
+
 }  // namespace reference_host::cache

@@ -17,4 +17,7 @@ std::optional<KeptFacts> keptFacts(const std::filesystem::path& directory) noexc
 /// Where the facts cannot be written, all is as it was: they will be found out again.
 void keepFacts(const std::filesystem::path& directory, const KeptFacts& facts) noexcept;
 
+/// Deletes the facts that are kept in `directory`, if that can be done.
+void forgetFacts(const std::filesystem::path& directory) noexcept;
+
 }  // namespace reference_host::cache

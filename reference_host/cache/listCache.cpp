@@ -25,14 +25,15 @@ CachedMaterial describe(const cache::KeptMaterial& kept) {
 
 }  // namespace
 
-std::vector<CachedMaterial> listCache(const std::filesystem::path& cacheRoot) {
-    std::vector<CachedMaterial> materials;
+CacheListing listCache(const std::filesystem::path& cacheRoot) {
+    CacheListing listing;
     for (const cache::KeptMaterial& kept : cache::keptMaterials(cacheRoot)) {
-        if (!kept.files.empty()) materials.push_back(describe(kept));
+        if (!kept.files.empty()) listing.materials.push_back(describe(kept));
+        listing.failures.insert(listing.failures.end(), kept.failures.begin(), kept.failures.end());
     }
-    std::sort(materials.begin(), materials.end(),
+    std::sort(listing.materials.begin(), listing.materials.end(),
               [](const auto& left, const auto& right) { return left.file < right.file; });
-    return materials;
+    return listing;
 }
 
 }  // namespace reference_host

@@ -37,6 +37,8 @@ void Footage::noteAnalysed() {
 void Footage::noteFailure(const std::string& reason) {
     const std::scoped_lock lock(mutex_);
     if (report_.failure.empty()) report_.failure = reason;
+    // What is known of the file may be why: the next run looks at it anew.
+    if (*cacheDirectory() != '\0') cache::forgetFacts(cacheDirectory_);
     isTainted_ = true;
 }
 

@@ -49,7 +49,8 @@ public:
     /// may be found elsewhere again, and these results would be taken for its own.
     void noteAnalysed();
 
-    /// Takes the reason of a failed task; the first one is reported.
+    /// Takes the reason of a failed task; the first one is reported. Nothing that is known of the
+    /// file is kept any more.
     void noteFailure(const std::string& reason);
 
     /// Takes a warning; one that is known already is not repeated. Of a video it is kept for later

@@ -31,8 +31,8 @@ std::string absolutePath(const fs::path& file) {
 
 /// Returns what is known of the file, from the cache where these libraries have put it there. Looks
 /// at the file and keeps what it finds otherwise. An empty directory keeps nothing.
-cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
-                         const std::stop_token& stop) {
+cache::KeptFacts factsOf(const fs::path& file, const ImportedContent& content,
+                         const fs::path& cacheDirectory, const std::stop_token& stop) {
     cache::KeptFacts facts;
     if (!cacheDirectory.empty()) facts = cache::keptFacts(cacheDirectory).value_or(facts);
     const std::string place = absolutePath(file);
@@ -49,7 +49,9 @@ cache::KeptFacts factsOf(const fs::path& file, const fs::path& cacheDirectory,
         }
     }
     facts.file = place;
-    if (!cacheDirectory.empty()) cache::keepFacts(cacheDirectory, facts);
+    // Another content may have taken the file's place since the key was made.
+    const bool isOfKey = isKnown || cache::hasContentKey(file, content.key, content.faceModel);
+    if (!cacheDirectory.empty() && isOfKey) cache::keepFacts(cacheDirectory, facts);
     return facts;
 }
 
@@ -60,10 +62,10 @@ ImportedMaterial importMaterial(const std::filesystem::path& file,
     try {
         const std::string faceModel = FaceDetectors::instance().modelFingerprint();
         const std::string key = cache::contentKey(media::RegularFile(file), faceModel);
+        const ImportedContent content{key, faceModel};
         const fs::path cacheDirectory = cacheRoot.empty() ? fs::path() : cacheRoot / key;
-        auto footage =
-            std::make_shared<Footage>(file, ImportedContent{key, faceModel},
-                                      factsOf(file, cacheDirectory, stop), cacheDirectory.string());
+        auto footage = std::make_shared<Footage>(
+            file, content, factsOf(file, content, cacheDirectory, stop), cacheDirectory.string());
         return {.object = new Material(std::move(footage)), .error = {}, .contentKey = key};
     } catch (const std::bad_alloc&) {
         return {.object = nullptr, .error = "there is not enough memory for it", .contentKey = {}};

@@ -16,6 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using reference_host::CachedMaterial;
+using reference_host::CacheListing;
 using reference_host::clearCache;
 using reference_host::ClearedCache;
 using reference_host::listCache;
@@ -69,8 +70,8 @@ private:
 };
 
 TEST_F(CacheContent, NothingIsListedOfWhatIsNotThere) {
-    EXPECT_TRUE(listCache(root()).empty());
-    EXPECT_TRUE(listCache({}).empty());
+    EXPECT_TRUE(listCache(root()).materials.empty());
+    EXPECT_TRUE(listCache({}).materials.empty());
     const ClearedCache cleared = clearCache(root());
     EXPECT_EQ(cleared.materials, 0U);
     EXPECT_EQ(cleared.sizeBytes, 0U);
@@ -98,7 +99,7 @@ TEST_F(CacheContent, MaterialsAreListedByTheirFiles) {
     const fs::path a = importVideo("a.mp4", 20);
     fs::create_directory(b / "analysis");
     files.write(fs::relative(b, files.path("")) / "analysis/result.json", "{ }");
-    const std::vector<CachedMaterial> listed = listCache(root());
+    const std::vector<CachedMaterial> listed = listCache(root()).materials;
     ASSERT_EQ(listed.size(), 2U);
     EXPECT_EQ(listed[0].file, files.path("a.mp4").string());
     EXPECT_EQ(listed[0].sizeBytes, fs::file_size(a / "facts.json"));
@@ -112,7 +113,7 @@ TEST_F(CacheContent, MaterialOfAMovedFileHasItsNewPath) {
     importVideo("a.mp4", 10);
     fs::rename(files.path("a.mp4"), files.path("b.mp4"));
     import(files.path("b.mp4"), root());
-    const std::vector<CachedMaterial> listed = listCache(root());
+    const std::vector<CachedMaterial> listed = listCache(root()).materials;
     ASSERT_EQ(listed.size(), 1U);
     EXPECT_EQ(listed[0].file, files.path("b.mp4").string());
 }
@@ -120,7 +121,7 @@ TEST_F(CacheContent, MaterialOfAMovedFileHasItsNewPath) {
 TEST_F(CacheContent, MaterialWhoseFactsAreLostHasNoFile) {
     put(someKey + "/analysis/result.json", "{ }");
     put(someKey + "/facts.json", "no facts");
-    const std::vector<CachedMaterial> listed = listCache(root());
+    const std::vector<CachedMaterial> listed = listCache(root()).materials;
     ASSERT_EQ(listed.size(), 1U);
     EXPECT_EQ(listed[0].file, "");
     EXPECT_EQ(listed[0].sizeBytes, 11U);
@@ -133,14 +134,14 @@ TEST_F(CacheContent, ClearingLeavesAnEmptyRoot) {
     put(a.filename() / "analysis/result.json", "{ }");
     put(someKey + "/facts.json.unfinished-Ab1Cd2", "{");
     std::uintmax_t size = 0;
-    for (const CachedMaterial& material : listCache(root()))
+    for (const CachedMaterial& material : listCache(root()).materials)
         size += material.sizeBytes;
     const ClearedCache cleared = clearCache(root());
     EXPECT_EQ(cleared.materials, 3U);
     EXPECT_EQ(cleared.sizeBytes, size);
     EXPECT_TRUE(cleared.failures.empty());
     EXPECT_TRUE(fs::is_empty(root()));
-    EXPECT_TRUE(listCache(root()).empty());
+    EXPECT_TRUE(listCache(root()).materials.empty());
     EXPECT_TRUE(fs::exists(files.path("a.mp4")));
 }
 
@@ -169,7 +170,7 @@ TEST_F(CacheContent, ThingsOfOthersStay) {
     const std::vector<std::string> before = names();
     put(someKey + "/facts.json", "ours");
     put(someKey + "/analysis/result.json", "ours");
-    EXPECT_EQ(listCache(root()).size(), 1U);
+    EXPECT_EQ(listCache(root()).materials.size(), 1U);
     const ClearedCache cleared = clearCache(root());
     EXPECT_EQ(names(), before);
     EXPECT_EQ(cleared.materials, 1U);
@@ -181,7 +182,7 @@ TEST_F(CacheContent, ThingsOfOtherKindsStay) {
     fs::create_directories(root() / someKey / "facts.json");
     fs::create_directories(root() / someKey / "analysis" / "result.json");
     const std::vector<std::string> before = names();
-    EXPECT_TRUE(listCache(root()).empty());
+    EXPECT_TRUE(listCache(root()).materials.empty());
     EXPECT_TRUE(clearCache(root()).failures.empty());
     EXPECT_EQ(names(), before);
 }
@@ -197,7 +198,7 @@ TEST_F(CacheContent, LinksStayAndLeadNowhere) {
     fs::create_directory_symlink(files.path("outside/analysis"), root() / someKey / "analysis");
     fs::create_symlink(facts, root() / someKey / "facts.json");
     const std::vector<std::string> before = names();
-    EXPECT_TRUE(listCache(root()).empty());
+    EXPECT_TRUE(listCache(root()).materials.empty());
     const ClearedCache cleared = clearCache(root());
     EXPECT_EQ(names(), before);
     EXPECT_EQ(contentOf(facts), "mine");
@@ -209,7 +210,7 @@ TEST_F(CacheContent, LinksStayAndLeadNowhere) {
 TEST_F(CacheContent, RootMayBeALink) {
     importVideo("a.mp4", 10);
     fs::create_directory_symlink(root(), files.path("link"));
-    EXPECT_EQ(listCache(files.path("link")).size(), 1U);
+    EXPECT_EQ(listCache(files.path("link")).materials.size(), 1U);
     EXPECT_EQ(clearCache(files.path("link")).materials, 1U);
     EXPECT_TRUE(fs::is_empty(root()));
     EXPECT_TRUE(fs::is_symlink(files.path("link")));
@@ -241,13 +242,16 @@ TEST_F(CacheContent, WhatMayNotBeReadIsReported) {
     fs::permissions(files.path(""), fs::perms::all);
     fs::permissions(root(), fs::perms::all);
     fs::permissions(closed, fs::perms::none);
+    CacheListing listing;
     ClearedCache cleared;
     {
         const WithoutPrivileges thread;
-        EXPECT_TRUE(listCache(root()).empty());
+        listing = listCache(root());
         cleared = clearCache(root());
     }
     fs::permissions(closed, fs::perms::all);
+    EXPECT_TRUE(listing.materials.empty());
+    EXPECT_EQ(listing.failures, cleared.failures);
     EXPECT_EQ(cleared.materials, 0U);
     ASSERT_EQ(cleared.failures.size(), 1U);
     EXPECT_EQ(cleared.failures[0], closed.string() + ": Permission denied");

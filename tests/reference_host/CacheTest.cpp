@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -419,6 +420,45 @@ TEST_F(Cache, FacesStayForALaterTaskOfTheSameRun) {
     ASSERT_EQ(entropy->start(), KOR::statusOk);
     recorder.waitFor(KOR::taskEventFinished);
     EXPECT_EQ(reference_host::facesAt(*faces.material, 0), 0);
+}
+
+TEST_F(Cache, FactsOfAFileWhoseAnalysisFailsAreForgotten) {
+    const fs::path file = files.write("a.mp4", "no media file at all");
+    cache::KeptFacts facts{media::libraryVersions(), file.string(), {}, {}, {}};
+    facts.footage.isVideo = true;
+    facts.footage.durationTicks = 777;
+    cache::keepFacts(directoryOf(file), facts);
+    AnalysisRun run({1}, file, root());
+    ASSERT_EQ(run.task->start(), KOR::statusOk);
+    run.recorder.waitFor(KOR::taskEventFinished);
+    EXPECT_NE(reference_host::reportOf(*run.material).failure, "");
+    EXPECT_FALSE(fs::exists(factsOf(file)));
+}
+
+/// Wherever in an import the change hits, what is kept under a key is true of its content.
+TEST_F(Cache, FactsAreOfTheContentThatTheirKeyNames) {
+    const std::string raw = "-c:v rawvideo -pix_fmt bgr24";
+    const fs::path before = files.makeVideo("before.avi", 300, raw);
+    const fs::path after = files.makeVideo("after.avi", 200, raw);
+    const fs::path file = files.path("a.avi");
+    for (int i = 0; i < 40; ++i) {
+        fs::create_hard_link(before, file);
+        fs::create_hard_link(after, files.path("next.avi"));
+        std::thread replacing([&] {
+            std::this_thread::sleep_for(std::chrono::microseconds(100 * i));
+            fs::rename(files.path("next.avi"), file);
+        });
+        import(file, root());
+        replacing.join();
+        for (const fs::path& content : {before, after}) {
+            const auto kept = cache::keptFacts(directoryOf(content));
+            if (kept) {
+                EXPECT_EQ(kept->footage, media::inspect(content)) << "round " << i;
+            }
+            fs::remove(factsOf(content));
+        }
+        fs::remove(file);
+    }
 }
 
 TEST_F(Cache, FacesOfPhotosAreNotKept) {

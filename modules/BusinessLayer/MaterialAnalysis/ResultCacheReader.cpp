@@ -99,10 +99,19 @@ double wholeNumberOf(const std::string& text) {
     return static_cast<double>(std::clamp<long long>(number, Limits::min(), Limits::max()));
 }
 
+/// Returns the first four parts of a text with "," between them. Only these count: millions may
+/// stand behind.
+std::string firstFourParts(const std::string& text) {
+    std::size_t end = text.find(',');
+    for (int part = 1; part < 4 && end != std::string::npos; ++part)
+        end = text.find(',', end + 1);
+    return text.substr(0, end);
+}
+
 bool take(const Value* member, KorRect& into) {
     if (member == nullptr) return true;
     if (!member->IsString()) return false;
-    const std::vector<std::string> parts = StringUtil::split(textOf(*member), ',');
+    const std::vector<std::string> parts = StringUtil::split(firstFourParts(textOf(*member)), ',');
     if (parts.size() < 4) return true;
     into = {wholeNumberOf(parts[0]), wholeNumberOf(parts[1]), wholeNumberOf(parts[2]),
             wholeNumberOf(parts[3])};
