@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,6 +13,11 @@
 
 namespace fake_host {
 namespace {
+
+std::string quoted(std::string_view text) {
+    std::string quotes = "\"\"";
+    return quotes.insert(1, text);
+}
 
 /// Which texts restoring takes, and what it reads from them.
 using ResultRestoreText = RestoreTest;
@@ -144,16 +150,14 @@ TEST_F(ResultRestoreText, NeedsItsVersionToTheLetter) {
     for (const char* const other :
          {"1.0.0.2", "1.0.0.1 ", " 1.0.0.1", "1.0.0", "1.0.0.10", "", "1.0.0.1\\u0000",
           "1.0.0.1\\u0000more", "\\u00001.0.0.1", "1.0.0.1\\n", "1.0.0.l"})
-        expectDeleted(ResultText{.version = "\"" + std::string(other) + "\""}.text(),
-                      "version changed");
+        expectDeleted(ResultText{.version = quoted(other)}.text(), "version changed");
     EXPECT_EQ(restored(ResultText{.version = R"("1\u002e0.0.1")"}.text()).size(), 1U);
 }
 
 TEST_F(ResultRestoreText, NeedsItsKindsToTheLetter) {
     for (const char* const other : {"3,4", "4", "", "4,3,", "4, 3", "4,3 ", "4,03", "4,3,1", "+4,3",
                                     "4,3\\u0000", "4,3\\u0000,1", "4;3"})
-        expectDeleted(ResultText{.analysisTypes = "\"" + std::string(other) + "\""}.text(),
-                      "analysisTypes changed");
+        expectDeleted(ResultText{.analysisTypes = quoted(other)}.text(), "analysisTypes changed");
 }
 
 TEST_F(ResultRestoreText, KnowsEveryListOfKinds) {
@@ -371,7 +375,7 @@ TEST_F(ResultRestoreText, OfRecordsWithWrongTypesIsInvalid) {
         for (const char* const value :
              {"null", "true", "\"1\"", "[1]", "{}", "1.5", "1.0", "1e3", "-0.0",
               "9223372036854775808", "-9223372036854775809", "1e300"})
-            expectDeleted(textOfRecord("\"" + std::string(key) + "\": " + value), invalid);
+            expectDeleted(textOfRecord(quoted(key) + ": " + value), invalid);
     }
     for (const char* const value : {"null", "true", "1", "1.5", "[1, 2, 3, 4]", "{}"})
         expectDeleted(textOfRecord("\"faceRectOfPhoto\": " + std::string(value)), invalid);
