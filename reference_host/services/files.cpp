@@ -61,6 +61,7 @@ namespace StringUtil {
 
 std::vector<std::string> split(const std::string& text, char separator) {
     std::vector<std::string> parts;
+    parts.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1);
     std::size_t begin = 0;
     for (std::size_t end = text.find(separator); end != std::string::npos;
          end = text.find(separator, begin)) {

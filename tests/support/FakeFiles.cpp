@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -47,6 +48,7 @@ bool FileUtil::remove(const Path& path) {
 
 std::vector<std::string> StringUtil::split(const std::string& text, char separator) {
     std::vector<std::string> parts;
+    parts.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1);
     std::size_t begin = 0;
     while (true) {
         const std::size_t end = text.find(separator, begin);

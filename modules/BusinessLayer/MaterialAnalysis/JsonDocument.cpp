@@ -43,15 +43,15 @@ public:
 std::optional<rapidjson::Document> parseJson(const std::string& text) {
     constexpr unsigned flags =
         rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
-    if (text.find('\0') != std::string::npos) return std::nullopt;
     ExactDocument document;
     rapidjson::Reader reader;
+    rapidjson::StringStream stream(text.c_str());
     auto parseInto = [&](rapidjson::Document& /*the same*/) {
-        rapidjson::StringStream stream(text.c_str());
         return !reader.Parse<flags>(stream, document).IsError();
     };
     document.Populate(parseInto);
-    if (reader.HasParseError()) return std::nullopt;
+    // A zero byte in the text has ended the parsing.
+    if (reader.HasParseError() || stream.Tell() != text.size()) return std::nullopt;
     return std::move(static_cast<rapidjson::Document&>(document));
 }
 

@@ -101,11 +101,12 @@ double wholeNumberOf(const std::string& text) {
 
 /// Returns the first four parts of a text with "," between them. Only these count: millions may
 /// stand behind.
-std::string firstFourParts(const std::string& text) {
+std::string firstFourParts(std::string text) {
     std::size_t end = text.find(',');
     for (int part = 1; part < 4 && end != std::string::npos; ++part)
         end = text.find(',', end + 1);
-    return text.substr(0, end);
+    if (end != std::string::npos) text.resize(end);
+    return text;
 }
 
 bool take(const Value* member, KorRect& into) {
@@ -118,14 +119,13 @@ bool take(const Value* member, KorRect& into) {
     return true;
 }
 
-std::optional<MaterialAnalysisResult> resultOf(const Value& element) {
-    MaterialAnalysisResult result{};
-    const bool isResult = element.IsObject() && take(memberOf(element, "score"), result.score) &&
-                          take(memberOf(element, "begin"), result.begin) &&
-                          take(memberOf(element, "end"), result.end) &&
-                          take(memberOf(element, "posOfMaxScore"), result.posOfMaxScore) &&
-                          take(memberOf(element, "faceRectOfPhoto"), result.faceRectOfPhoto);
-    return isResult ? std::optional(result) : std::nullopt;
+/// Takes the members of a record over. False when it is none.
+bool take(const Value& element, MaterialAnalysisResult& into) {
+    return element.IsObject() && take(memberOf(element, "score"), into.score) &&
+           take(memberOf(element, "begin"), into.begin) &&
+           take(memberOf(element, "end"), into.end) &&
+           take(memberOf(element, "posOfMaxScore"), into.posOfMaxScore) &&
+           take(memberOf(element, "faceRectOfPhoto"), into.faceRectOfPhoto);
 }
 
 ResultCacheReading readResults(const Value* list) {
@@ -136,9 +136,9 @@ ResultCacheReading readResults(const Value* list) {
     ResultCacheReading reading;
     reading.results.reserve(list->Size());
     for (const Value& element : list->GetArray()) {
-        const std::optional<MaterialAnalysisResult> result = resultOf(element);
-        if (!result) return {.rejection = invalid, .results = {}};
-        reading.results.push_back(*result);
+        if (!take(element, reading.results.emplace_back())) {
+            return {.rejection = invalid, .results = {}};
+        }
     }
     return reading;
 }
