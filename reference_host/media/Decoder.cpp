@@ -40,6 +40,21 @@ int halvingsOf(int widthPx, int heightPx, const AVCodec& codec) {
     return count;
 }
 
+/// Says whether a decoder of this format, given a packet and one thread, has decoded the packet's
+/// frame when it takes the next one, whenever that is shown.
+bool decodesAtOnce(AVCodecID codec) {
+    switch (codec) {
+        case AV_CODEC_ID_H264:
+        case AV_CODEC_ID_HEVC:
+        case AV_CODEC_ID_MPEG1VIDEO:
+        case AV_CODEC_ID_MPEG2VIDEO:
+        case AV_CODEC_ID_MPEG4:
+            return true;
+        default:
+            return false;
+    }
+}
+
 /// Has get_buffer2 called by the decoder's threads themselves: otherwise older versions of FFmpeg
 /// make them take turns. Newer ones expect it of every such function.
 void allowThreadsToAllocate([[maybe_unused]] AVCodecContext& context) {
@@ -53,7 +68,7 @@ void allowThreadsToAllocate([[maybe_unused]] AVCodecContext& context) {
 
 }  // namespace
 
-Decoder::Decoder(const AVStream& stream, Threads threads, Size size)
+Decoder::Decoder(const AVStream& stream, Threads threads, Size size, Quality quality)
     : stream_(stream), frame_(adopt(av_frame_alloc())) {
     const AVCodecParameters& parameters = *stream.codecpar;
     const AVCodec* codec = avcodec_find_decoder(parameters.codec_id);
@@ -63,10 +78,14 @@ Decoder::Decoder(const AVStream& stream, Threads threads, Size size)
     }
     const bool isReduced = size == Size::reduced;
     awaitsSize_ = isReduced && parameters.width <= 0 && codec->max_lowres > 0;
-    open(*codec, threads, isReduced ? halvingsOf(parameters.width, parameters.height, *codec) : 0);
+    const bool givesNewest =
+        quality == Quality::quick && threads == Threads::one && decodesAtOnce(parameters.codec_id);
+    if (givesNewest) newest_ = adopt(av_frame_alloc());
+    open(*codec, threads, quality,
+         isReduced ? halvingsOf(parameters.width, parameters.height, *codec) : 0);
 }
 
-void Decoder::open(const AVCodec& codec, Threads threads, int halvings) {
+void Decoder::open(const AVCodec& codec, Threads threads, Quality quality, int halvings) {
     const AVCodecParameters& parameters = *stream_.codecpar;
     context_ = adopt(avcodec_alloc_context3(&codec));
     if (avcodec_parameters_to_context(context_.get(), &parameters) < 0) throw std::bad_alloc();
@@ -76,6 +95,7 @@ void Decoder::open(const AVCodec& codec, Threads threads, int halvings) {
     context_->get_buffer2 = allocate;
     allowThreadsToAllocate(*context_);
     context_->lowres = halvings;
+    if (quality == Quality::quick) context_->skip_loop_filter = AVDISCARD_ALL;
     context_->thread_count = threadCount(parameters, threads);
     const FirstError error;
     if (avcodec_open2(context_.get(), &codec, nullptr) < 0) {
@@ -100,7 +120,10 @@ int Decoder::allocate(AVCodecContext* context, AVFrame* frame, int flags) {
         decoder.halvings_ = halvingsOf(context->width, context->height, *context->codec);
         return AVERROR(EAGAIN);
     }
-    return avcodec_default_get_buffer2(context, frame, flags);
+    const int result = avcodec_default_get_buffer2(context, frame, flags);
+    if (result < 0 || !decoder.newest_) return result;
+    av_frame_unref(decoder.newest_.get());
+    return av_frame_ref(decoder.newest_.get(), frame);
 }
 
 void Decoder::learnSize(const AVPacket& packet) {
@@ -110,13 +133,27 @@ void Decoder::learnSize(const AVPacket& packet) {
         avcodec_send_packet(context_.get(), &packet);
     }
     awaitsSize_ = false;
-    open(*context_->codec, Threads::one, halvings_);
+    open(*context_->codec, Threads::one, Quality::exact, halvings_);
 }
 
 void Decoder::send(const AVPacket* packet) {
     if (awaitsSize_ && packet != nullptr) learnSize(*packet);
+    if (newest_) av_frame_unref(newest_.get());
     const int result = avcodec_send_packet(context_.get(), packet);
     if (result < 0 && result != AVERROR_EOF) ++lost_;
+}
+
+const AVFrame* Decoder::newest() {
+    AVFrame* frame = newest_.get();
+    if (frame->buf[0] == nullptr) return nullptr;
+    // Memory is asked for by whole blocks.
+    frame->width = std::min(frame->width, context_->width);
+    frame->height = std::min(frame->height, context_->height);
+    return frame;
+}
+
+void Decoder::leaveOutUnneeded(bool leavesOut) {
+    context_->skip_frame = leavesOut ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
 }
 
 const AVFrame* Decoder::receive() {

@@ -20,8 +20,14 @@ public:
         reduced  ///< by halves, where the codec can; the longer side keeps vision::maxPictureSidePx
     };
 
+    enum class Quality {
+        exact,  ///< as the format defines it
+        quick   ///< without the filter that smooths the edges of blocks: good enough to look at
+                ///< small
+    };
+
     /// `stream` has to outlive this. Throws MediaError where it cannot be decoded.
-    Decoder(const AVStream& stream, Threads threads, Size size);
+    Decoder(const AVStream& stream, Threads threads, Size size, Quality quality = Quality::exact);
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
@@ -31,6 +37,18 @@ public:
     /// Returns the next frame, valid until the next call; null where another packet is needed, or
     /// after the last frame. What cannot be decoded is passed over and counted.
     const AVFrame* receive();
+
+    /// Says whether newest() works: of a quick decoder with one thread, for formats whose frames
+    /// have another order when they are stored than when they are shown.
+    bool givesNewest() const { return newest_ != nullptr; }
+
+    /// Returns the frame that the last packet was decoded to, valid until the next call of send();
+    /// null where there is none. receive() gives the same frame when its turn comes.
+    const AVFrame* newest();
+
+    /// Has frames left out, from the next packet on, that no other frame needs: they cost nothing
+    /// then. Only where givesNewest().
+    void leaveOutUnneeded(bool leavesOut);
 
     /// Prepares for packets from another place of the stream; frames not yet received are dropped.
     void forget() { avcodec_flush_buffers(context_.get()); }
@@ -46,7 +64,7 @@ public:
 
 private:
     static int allocate(AVCodecContext* context, AVFrame* frame, int flags);
-    void open(const AVCodec& codec, Threads threads, int halvings);
+    void open(const AVCodec& codec, Threads threads, Quality quality, int halvings);
     void learnSize(const AVPacket& packet);
 
     const AVStream& stream_;
@@ -57,6 +75,8 @@ private:
     /// What was learnt from it: how often it can be halved.
     int halvings_ = 0;
     AvPointer<AVFrame> frame_;
+    /// What memory was given to last; null where that is not to be known.
+    AvPointer<AVFrame> newest_;
     std::int64_t decoded_ = 0;
     std::int64_t incomplete_ = 0;
     std::int64_t lost_ = 0;

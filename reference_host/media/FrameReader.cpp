@@ -19,10 +19,10 @@ Orientation ofMatrix(const std::uint8_t* bytes) {
 }  // namespace
 
 FrameReader::FrameReader(const std::filesystem::path& file, Decoder::Threads threads,
-                         Decoder::Size size, std::stop_token stop)
+                         Decoder::Size size, std::stop_token stop, Decoder::Quality quality)
     : stop_(std::move(stop)),
       container_(file, stop_),
-      decoder_(container_.video(), threads, size),
+      decoder_(container_.video(), threads, size, quality),
       clock_(container_.video()),
       packet_(adopt(av_packet_alloc())) {}
 

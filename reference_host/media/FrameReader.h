@@ -20,7 +20,7 @@ class FrameReader {
 public:
     /// Opens `file`. Reading ends soon after `stop` is requested. Throws MediaError.
     FrameReader(const std::filesystem::path& file, Decoder::Threads threads, Decoder::Size size,
-                std::stop_token stop);
+                std::stop_token stop, Decoder::Quality quality = Decoder::Quality::exact);
 
     /// Returns the next frame, valid until the next call of any function that is not const; null at
     /// the end and after a stop.

@@ -1,59 +1,175 @@
 #include "reference_host/media/PictureReader.h"
 
+#include <algorithm>
+#include <limits>
 #include <optional>
+#include <thread>
 #include <utility>
 
-#include "reference_host/media/FrameReader.h"
-#include "reference_host/media/PictureScaler.h"
+#include "reference_host/media/Container.h"
+#include "reference_host/media/FrameClock.h"
+#include "reference_host/media/SegmentedPictures.h"
+#include "reference_host/media/SequentialPictures.h"
 
 namespace reference_host::media {
+namespace {
+
+/// What the frames of all decoders may take together: each keeps some twelve of them.
+constexpr std::int64_t mostDecodedBytes = std::int64_t{512} << 20;
+constexpr std::int64_t framesOfDecoder = 12;
+
+/// More threads than this wait for the disk and for each other.
+constexpr unsigned mostThreads = 16;
+
+/// Two key frames may be so many pictures apart: 40 seconds at 30 a second. A segment holds the
+/// packets of all of them.
+constexpr std::int64_t mostPicturesBetweenKeys = 1200;
+
+/// Formats whose key frames stand for themselves, and for which decoders know no pictures across
+/// them. Others have key frames in name only, or keep a canvas that is drawn on.
+bool standAlone(AVCodecID codec) {
+    switch (codec) {
+        case AV_CODEC_ID_H264:
+        case AV_CODEC_ID_HEVC:
+        case AV_CODEC_ID_VP8:
+        case AV_CODEC_ID_VP9:
+        case AV_CODEC_ID_AV1:
+        case AV_CODEC_ID_MPEG1VIDEO:
+        case AV_CODEC_ID_MPEG2VIDEO:
+        case AV_CODEC_ID_MPEG4:
+        case AV_CODEC_ID_MJPEG:
+        case AV_CODEC_ID_PRORES:
+        case AV_CODEC_ID_DNXHD:
+        case AV_CODEC_ID_DVVIDEO:
+        case AV_CODEC_ID_HUFFYUV:
+        case AV_CODEC_ID_UTVIDEO:
+        case AV_CODEC_ID_RAWVIDEO:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool hasFields(const AVCodecParameters& codec) {
+    return codec.field_order != AV_FIELD_UNKNOWN && codec.field_order != AV_FIELD_PROGRESSIVE;
+}
+
+/// Returns the longest distance between two key frames, or between the last one and the end.
+std::int64_t longestGroup(const FootageFacts& facts) {
+    std::int64_t longest = 0;
+    std::int64_t before = facts.keyTimestamps.front();
+    for (const std::int64_t key : facts.keyTimestamps)
+        longest = std::max(longest, key - std::exchange(before, key));
+    return std::max(longest, facts.lastTimestamp - before);
+}
+
+bool isDivisible(const AVStream& stream, const FootageFacts& facts) {
+    if (facts.keyTimestamps.size() < 2 || !standAlone(stream.codecpar->codec_id)) return false;
+    if (hasFields(*stream.codecpar)) return false;
+    const std::int64_t longest = longestGroup(facts);
+    const std::int64_t length = facts.lastTimestamp - facts.originTimestamp;
+    return longest / FrameClock(stream).ordinaryDistance() <= mostPicturesBetweenKeys &&
+           longest - length / 2 <= length / 8;
+}
+
+std::size_t threadsFor(const AVCodecParameters& codec, unsigned wanted) {
+    const std::int64_t frameBytes =
+        std::max<std::int64_t>(1, std::int64_t{codec.width} * codec.height * 3 / 2);
+    const std::int64_t affordable = mostDecodedBytes / (framesOfDecoder * frameBytes);
+    const unsigned useful = wanted > 0 ? wanted : std::thread::hardware_concurrency();
+    return static_cast<std::size_t>(
+        std::min<std::int64_t>(affordable, std::min(useful, mostThreads)));
+}
+
+}  // namespace
 
 class PictureReader::Stream {
 public:
-    Stream(const std::filesystem::path& file, const FootageFacts& facts, std::stop_token stop)
-        : origin_(facts.originTimestamp),
-          durationTicks_(facts.durationTicks),
-          reader_(file, Decoder::Threads::several, Decoder::Size::full, std::move(stop)) {}
+    Stream(const std::filesystem::path& file, const FootageFacts& facts, const Plan& plan,
+           std::stop_token stop, Tell tell)
+        : file_(file),
+          facts_(facts),
+          stop_(std::move(stop)),
+          tell_(std::move(tell)),
+          container_(std::make_unique<Container>(file, stop_)),
+          clock_(container_->video()) {
+        open(plan);
+    }
 
-    bool next(scenes::PictureSample& picture) {
-        while (const AVFrame* frame = reader_.next()) {
-            const std::optional<std::int64_t> position =
-                reader_.clock().positionOf(reader_.timestamp(), origin_);
-            if (!position || *position <= lastPosition_ || *position >= durationTicks_) continue;
-            if (!scaler_.scale(*frame, picture)) {
-                ++unreadable_;
+    bool next(scenes::PictureFeatures& picture) {
+        std::int64_t timestamp = 0;
+        while (takeNext(timestamp, picture)) {
+            const auto position = clock_.positionOf(timestamp, facts_.originTimestamp);
+            if (!position || *position <= lastPosition_ || *position >= facts_.durationTicks) {
                 continue;
             }
             picture.positionTicks = lastPosition_ = *position;
+            if (isSequential_) tell_(shareUpTo(*position));
             return true;
         }
         return false;
     }
 
-    Damage damage() const {
-        return {reader_.decoder().damaged() + unreadable_, reader_.decoder().met()};
-    }
+    Damage damage() const { return source_->damage(); }
 
 private:
-    std::int64_t origin_;
-    std::int64_t durationTicks_;
-    FrameReader reader_;
-    PictureScaler scaler_;
+    void open(const Plan& plan) {
+        const AVStream& video = container_->video();
+        const std::size_t threads = threadsFor(*video.codecpar, plan.threads);
+        if (threads == 0 || !isDivisible(video, facts_)) return openSequential();
+        const double gap =
+            static_cast<double>(plan.longestGapTicks) * 1e-7 * av_q2d(av_inv_q(video.time_base));
+        source_ = std::make_unique<SegmentedPictures>(
+            std::move(container_), facts_,
+            SegmentDecoder::Plan{plan.threshold, static_cast<std::int64_t>(gap),
+                                 KeyRhythm(facts_.keyTimestamps)},
+            threads, stop_, tell_);
+    }
+
+    void openSequential() {
+        isSequential_ = true;
+        source_ = std::make_unique<SequentialPictures>(file_, stop_);
+    }
+
+    /// Where the video turns out not to be what its packets promise, everything is decoded from the
+    /// beginning on; what has been given is not given again.
+    bool takeNext(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
+        try {
+            return source_->next(timestamp, picture);
+        } catch (const NotDivisible&) {
+            openSequential();
+        } catch (const SegmentTooLong&) {
+            openSequential();
+        }
+        return source_->next(timestamp, picture);
+    }
+
+    double shareUpTo(std::int64_t positionTicks) const {
+        return static_cast<double>(positionTicks) / static_cast<double>(facts_.durationTicks);
+    }
+
+    const std::filesystem::path file_;
+    const FootageFacts facts_;
+    const std::stop_token stop_;
+    const Tell tell_;
+    std::unique_ptr<Container> container_;
+    const FrameClock clock_;
+    std::unique_ptr<PictureSource> source_;
+    bool isSequential_ = false;
     std::int64_t lastPosition_ = -1;
-    std::int64_t unreadable_ = 0;
 };
 
 PictureReader::PictureReader(const std::filesystem::path& file, const FootageFacts& facts,
-                             std::stop_token stop)
-    : stream_(std::make_unique<Stream>(file, facts, std::move(stop))) {}
+                             const Plan& plan, std::stop_token stop, Tell tell)
+    : stream_(std::make_unique<Stream>(file, facts, plan, std::move(stop), std::move(tell))) {}
 
 PictureReader::~PictureReader() = default;
 
-bool PictureReader::next(scenes::PictureSample& picture) {
+bool PictureReader::next(scenes::PictureFeatures& picture) {
     return stream_->next(picture);
 }
 
-PictureReader::Damage PictureReader::damage() const {
+Damage PictureReader::damage() const {
     return stream_->damage();
 }
 

@@ -2,36 +2,45 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <stop_token>
 
 #include "reference_host/media/FootageFacts.h"
-#include "reference_host/scenes/PictureSample.h"
+#include "reference_host/media/PictureSource.h"
+#include "reference_host/scenes/PictureFeatures.h"
 
 namespace reference_host::media {
 
-/// Reads all pictures of a media file, each decoded once, in ascending position. Belongs to one
-/// thread at a time.
+/// Reads the pictures of a video that tell its scenes, in ascending position. Belongs to one thread
+/// at a time, and works on several.
 class PictureReader {
 public:
+    struct Plan {
+        /// The ratio by which changes have to stand out; see scenes::SceneAnalysis.
+        double threshold = 3.0;
+        /// How long a stretch may be of which no picture is given.
+        std::int64_t longestGapTicks = 0;
+        /// How many threads decode; 0 for as many as help.
+        unsigned threads = 0;
+    };
+
+    /// Takes in, on the thread that is in next(), how much of the work is done: 0 to 1. It may go
+    /// back.
+    using Tell = std::function<void(double share)>;
+
     /// Opens `file`, of which `facts` were found before. Reading ends soon after `stop` is
     /// requested. Throws MediaError.
-    PictureReader(const std::filesystem::path& file, const FootageFacts& facts,
-                  std::stop_token stop);
+    PictureReader(const std::filesystem::path& file, const FootageFacts& facts, const Plan& plan,
+                  std::stop_token stop, Tell tell);
     PictureReader(const PictureReader&) = delete;
     PictureReader& operator=(const PictureReader&) = delete;
     ~PictureReader();
 
     /// Fills in the next picture, whose position lies in the footage: 0 or more and below the
-    /// duration. False at the end; `picture` is then as it was. A frame that is not shown after the
-    /// one before it is left out.
-    bool next(scenes::PictureSample& picture);
+    /// duration. False at the end. A frame that is not shown after the one before it is left out.
+    bool next(scenes::PictureFeatures& picture);
 
-    /// How many frames were lost or incomplete, of how many.
-    struct Damage {
-        std::int64_t damaged;
-        std::int64_t all;
-    };
     Damage damage() const;
 
 private:

@@ -39,6 +39,10 @@ constexpr float weightOfLouderSide = 0.4F;
 /// by a pixel or two is a steady mix of its ends, too.
 constexpr float leastUnexplained = 0.5F;
 
+/// Across a longer step than this part of it, a blend is a guess: pictures are missing there, and
+/// one step may well be a cut.
+constexpr std::int64_t leastStepsOfBlend = 3;
+
 /// Weaker blends are none, at whatever threshold: less than coding noise makes.
 constexpr float smallestStrength = 2.0F;
 
@@ -110,15 +114,27 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
     return separation * steadiness * quietnessBeside(window, first, last, paceInside);
 }
 
+/// Returns how long after the one before it the picture `number` is shown.
+std::int64_t stepBefore(const ThumbnailWindow& window, std::size_t number) {
+    return window[number].positionTicks - window[number - 1].positionTicks;
+}
+
 }  // namespace
 
 Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
     Blend strongest;
+    std::int64_t longestStep = 0;
+    std::size_t covered = 0;
     for (const std::size_t half : halfLengths) {
         if (number < window.begin() + half || number + half >= window.end()) break;
         const WindowPicture& begin = window[number - half];
         const WindowPicture& end = window[number + half];
         if (end.positionTicks - begin.positionTicks > longestBlendTicks) break;
+        for (; covered < half; ++covered) {
+            longestStep = std::max({longestStep, stepBefore(window, number - covered),
+                                    stepBefore(window, number + covered + 1)});
+        }
+        if (longestStep * leastStepsOfBlend > end.positionTicks - begin.positionTicks) continue;
         const float least = std::max(strongest.strength, smallestStrength);
         const float strength = strengthOf(window, number - half, number, number + half, least);
         if (strength <= least) continue;

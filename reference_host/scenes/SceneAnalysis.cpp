@@ -49,7 +49,7 @@ public:
     explicit Pipeline(double threshold)
         : threshold_(std::isfinite(threshold) && threshold > 0 ? threshold : defaultThreshold) {}
 
-    void add(const PictureSample& picture) {
+    void add(const PictureFeatures& picture) {
         if (picture.positionTicks <= lastPositionTicks_) return;
         lastPositionTicks_ = picture.positionTicks;
         builder_.add(picture);
@@ -76,7 +76,7 @@ SceneAnalysis::SceneAnalysis(SceneAnalysis&&) noexcept = default;
 SceneAnalysis& SceneAnalysis::operator=(SceneAnalysis&&) noexcept = default;
 SceneAnalysis::~SceneAnalysis() = default;
 
-void SceneAnalysis::add(const PictureSample& picture) {
+void SceneAnalysis::add(const PictureFeatures& picture) {
     pipeline_->add(picture);
 }
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "reference_host/scenes/FootageRecord.h"
-#include "reference_host/scenes/PictureSample.h"
+#include "reference_host/scenes/PictureFeatures.h"
 
 namespace reference_host::scenes {
 
@@ -26,7 +26,7 @@ public:
 
     /// Takes the next picture. Pictures come in ascending position; one at or before the position
     /// of the picture before is left out, and so is one before 0.
-    void add(const PictureSample& picture);
+    void add(const PictureFeatures& picture);
 
     /// Returns what was found, once all pictures have been added; `durationTicks` is where the last
     /// one ends. Call it once, as the last operation.

@@ -12,12 +12,12 @@ constexpr std::int64_t smallestBlendStepTicks = ticksPerSecond / 33;
 
 }  // namespace
 
-void SignalBuilder::add(const PictureSample& picture) {
-    const WindowPicture entry{signals_.size(), picture.positionTicks, thumbnailOf(picture)};
+void SignalBuilder::add(const PictureFeatures& picture) {
+    const WindowPicture entry{signals_.size(), picture.positionTicks, picture.thumbnail};
     FrameSignal signal;
     signal.positionTicks = picture.positionTicks;
-    signal.sharpness = sharpnessOf(picture);
-    signal.contrast = contrastOf(entry.thumbnail);
+    signal.sharpness = picture.sharpness;
+    signal.contrast = picture.contrast;
     signals_.push_back(signal);
     addForChange(entry);
     addForBlend(entry);

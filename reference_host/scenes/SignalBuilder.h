@@ -7,7 +7,7 @@
 #include "reference_host/scenes/BlendSignal.h"
 #include "reference_host/scenes/ChangeSignal.h"
 #include "reference_host/scenes/FrameSignal.h"
-#include "reference_host/scenes/PictureSample.h"
+#include "reference_host/scenes/PictureFeatures.h"
 #include "reference_host/scenes/ThumbnailWindow.h"
 
 namespace reference_host::scenes {
@@ -18,7 +18,7 @@ namespace reference_host::scenes {
 class SignalBuilder {
 public:
     /// Takes the next picture; positions ascend strictly.
-    void add(const PictureSample& picture);
+    void add(const PictureFeatures& picture);
 
     /// Returns the signals of all pictures, in order. Call it once, as the last operation.
     std::vector<FrameSignal> finish();

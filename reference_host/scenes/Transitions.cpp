@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+#include "reference_host/scenes/CutBar.h"
+
 namespace reference_host::scenes {
 namespace {
 
@@ -21,17 +23,12 @@ constexpr std::int64_t longestRepetitionTicks = ticksPerSecond / 5;
 constexpr std::size_t neighbours = 5;
 constexpr std::int64_t neighbourhoodTicks = ticksPerSecond;
 
-/// Added to what is around a change or blend, so that in still footage one counts from the
-/// threshold times this on. In ordinary footage, at the default threshold, 9 is what a sudden
-/// gesture in a still scene reaches, and the weakest cuts begin above 20.
-constexpr double stillChange = 3.0;
+/// Added to what is around a blend, so that in still footage one counts from the threshold times
+/// this on.
 constexpr double stillBlend = 2.3;
 
-/// Ordinary contrast. In darker or flatter pictures changes are smaller, and so is what is added
-/// above; but grain and the steps of 8 bits are not, so that it shrinks to a part only. A blend
-/// needs more: slow drifts of light in flat pictures look like weak ones.
-constexpr double ordinaryContrast = 32.0;
-constexpr double smallestChangeScale = 0.25;
+/// A blend needs more than a cut where pictures are dark or flat: slow drifts of light in them look
+/// like weak ones.
 constexpr double smallestBlendScale = 0.5;
 
 /// A cut is the largest change within so many frames.
@@ -86,11 +83,6 @@ double changeAround(std::span<const FrameSignal> signals, std::size_t frame) {
     const auto end = changes.begin() + count;
     const double sum = std::accumulate(changes.begin(), end, 0.0);
     return (sum - *std::max_element(changes.begin(), end)) / static_cast<double>(count - 1);
-}
-
-/// Returns how large changes are between two pictures, in relation to ordinary ones.
-double scaleOf(const FrameSignal& a, const FrameSignal& b, double smallest) {
-    return std::clamp(std::max(a.contrast, b.contrast) / ordinaryContrast, smallest, 1.0);
 }
 
 bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t frame) {
@@ -229,7 +221,8 @@ std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double th
     std::vector<Transition> cuts;
     for (std::size_t i = 1; i < signals.size(); ++i) {
         const double change = signals[i].lastingChange;
-        const double still = stillChange * scaleOf(signals[i - 1], signals[i], smallestChangeScale);
+        const double still = stillChange * contrastScale(signals[i - 1].contrast,
+                                                         signals[i].contrast, smallestCutScale);
         if (change < threshold * still || !isLargestLastingChange(signals, i)) continue;
         if (change < threshold * (changeAround(signals, i) + still)) continue;
         cuts.push_back({i, i, i});
@@ -240,8 +233,9 @@ std::vector<Transition> findCuts(std::span<const FrameSignal> signals, double th
 std::vector<Transition> findDissolves(std::span<const FrameSignal> signals, double threshold) {
     const auto still = [&](std::size_t i) {
         const Blend& blend = signals[i].blend;
-        return stillBlend * scaleOf(signals[i - blend.framesBefore], signals[i + blend.framesAfter],
-                                    smallestBlendScale);
+        return stillBlend * contrastScale(signals[i - blend.framesBefore].contrast,
+                                          signals[i + blend.framesAfter].contrast,
+                                          smallestBlendScale);
     };
     std::vector<std::size_t> candidates;
     for (std::size_t i = 0; i < signals.size(); ++i) {

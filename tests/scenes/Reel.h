@@ -55,7 +55,7 @@ public:
         for (std::size_t i = 0; i < pictures_.size(); ++i) {
             PictureSample picture = pictures_[i];
             picture.positionTicks = positionOf(i);
-            analysis.add(picture);
+            analysis.add(featuresOf(picture));
         }
         return analysis.finish(positionOf(pictures_.size()));
     }

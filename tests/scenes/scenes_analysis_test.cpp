@@ -267,7 +267,7 @@ TEST(Footage, PicturesOutOfOrderAreLeftOut) {
     PictureSample picture = scenery(0).picture();
     for (const std::int64_t position : {-5, 10, 10, 7, 20}) {
         picture.positionTicks = position;
-        analysis.add(picture);
+        analysis.add(featuresOf(picture));
     }
     const FootageRecord record = analysis.finish(30);
     ASSERT_EQ(record.frames.size(), 2U);
@@ -286,7 +286,7 @@ RC_GTEST_PROP(Footage, ScenesAlwaysTileIt, ()) {
         PictureSample picture = kind < 8 ? scenery(static_cast<std::uint32_t>(kind)).picture()
                                          : plain(static_cast<std::uint8_t>(kind * 20));
         picture.positionTicks = position;
-        analysis.add(picture);
+        analysis.add(featuresOf(picture));
         position += step;
     }
 

@@ -17,7 +17,7 @@ public:
         for (int i = 0; i < count; ++i) {
             PictureSample placed = picture;
             placed.positionTicks = position_;
-            builder_.add(placed);
+            builder_.add(featuresOf(placed));
             position_ += stepTicks;
         }
     }

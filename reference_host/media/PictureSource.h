@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+#include "reference_host/scenes/PictureFeatures.h"
+
+namespace reference_host::media {
+
+/// How many frames were lost or incomplete, of how many.
+struct Damage {
+    std::int64_t damaged = 0;
+    std::int64_t all = 0;
+};
+
+/// Gives the pictures of a video, or those of them that matter for its scenes.
+class PictureSource {
+public:
+    virtual ~PictureSource() = default;
+
+    /// Fills in the next picture, in ascending order of timestamps. False at the end and after a
+    /// stop.
+    virtual bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) = 0;
+
+    virtual Damage damage() const = 0;
+};
+
+}  // namespace reference_host::media

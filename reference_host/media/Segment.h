@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "reference_host/media/AvPointers.h"
+
+namespace reference_host::media {
+
+/// Packets in the order in which they are decoded, the first one a key frame's, whose pictures need
+/// none but these.
+using PacketGroup = std::vector<AvPointer<AVPacket>>;
+
+/// A stretch of a video that can be decoded by itself.
+struct Segment {
+    /// 0 for the first one of a video.
+    std::int64_t number = 0;
+    /// Groups of pictures, each but the first beginning with a key frame.
+    std::vector<PacketGroup> groups;
+    /// What comes behind the last group and is needed to decode the whole of it: the next key
+    /// frame, and those packets behind it whose pictures are shown before it. Empty at the end of
+    /// the video.
+    PacketGroup next;
+};
+
+}  // namespace reference_host::media

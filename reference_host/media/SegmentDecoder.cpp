@@ -1,0 +1,335 @@
+#include "reference_host/media/SegmentDecoder.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <utility>
+
+#include "reference_host/media/Messages.h"
+#include "reference_host/media/PacketPlan.h"
+#include "reference_host/scenes/CutBar.h"
+#include "reference_host/scenes/Difference.h"
+
+namespace reference_host::media {
+namespace {
+
+/// Fewer pictures are decoded rather than looked past: the next key frame would cost as much.
+constexpr std::size_t leastLeftOut = 8;
+
+/// After so many key frames that show another view than what is before the quiet packets, a segment
+/// is one in which much moves.
+constexpr int mostVainLooks = 2;
+
+/// So many packets of a group are decoded at least where not all are left out, to see how much the
+/// scene moves; and over so many pictures its movement is measured.
+constexpr std::size_t leastDecoded = 10;
+constexpr std::ptrdiff_t picturesOfPace = 4;
+
+/// How fast the usual change from one picture to the next follows that of the newest, and how many
+/// times as much the newest may count: a cut or flash is not usual.
+constexpr double paceWeight = 0.25;
+constexpr double largestTimesPace = 3;
+constexpr double largestBesidePace = 3;
+
+double differenceOf(const scenes::PictureFeatures& before, const scenes::PictureFeatures& after) {
+    return scenes::differenceBetween(before.thumbnail, after.thumbnail).overall;
+}
+
+std::vector<PacketFacts> factsOf(const PacketGroup& group) {
+    std::vector<PacketFacts> facts;
+    facts.reserve(group.size());
+    for (const AvPointer<AVPacket>& packet : group)
+        facts.push_back({packet->pts, packet->size});
+    return facts;
+}
+
+bool isShown(const AVPacket& packet) {
+    return (packet.flags & AV_PKT_FLAG_DISCARD) == 0;
+}
+
+}  // namespace
+
+/// The decoding of one segment.
+class SegmentDecoder::Work {
+public:
+    Work(SegmentDecoder& owner, const Segment& segment, const Tell& tell)
+        : owner_(owner), segment_(segment), tell_(tell), keyViews_(segment.groups.size() + 1) {
+        for (const PacketGroup& group : segment.groups)
+            packets_ += group.size();
+    }
+
+    SegmentView run() {
+        const std::int64_t damagedBefore = damagedSoFar();
+        for (std::size_t i = 0; i < segment_.groups.size(); ++i) {
+            if (!leaveOutWhole(i)) decode(i, packetsNeeded(i));
+            tellOf(segment_.groups[i].size() - std::exchange(told_, 0));
+        }
+        // Behind the key frame that comes next there may be pictures that are shown before it.
+        if (isInChain_ && segment_.next.size() > 1) {
+            for (const AvPointer<AVPacket>& packet : segment_.next)
+                send(*packet);
+        }
+        endChain();
+        return view(damagedSoFar() - damagedBefore);
+    }
+
+private:
+    using Pictures = std::map<std::int64_t, scenes::PictureFeatures>;
+
+    const AVPacket* keyOf(std::size_t group) const {
+        if (group < segment_.groups.size()) return segment_.groups[group].front().get();
+        return segment_.next.empty() ? nullptr : segment_.next.front().get();
+    }
+
+    /// Returns how many packets of a group have to be decoded if the next key frame shows the same
+    /// view as what is behind them.
+    std::size_t packetsNeeded(std::size_t index) const {
+        const PacketGroup& group = segment_.groups[index];
+        const AVPacket* nextKey = keyOf(index + 1);
+        if (nextKey == nullptr || vainLooks_ >= mostVainLooks) return group.size();
+        std::size_t needed = packetsBeforeQuiet(factsOf(group));
+        while (needed < group.size() &&
+               nextKey->pts - group[needed - 1]->pts > owner_.plan_.longestGap) {
+            ++needed;
+        }
+        return needed + leastLeftOut <= group.size() ? needed : group.size();
+    }
+
+    /// Says whether two key frames that follow each other show one scene.
+    bool showOneView(std::size_t index) {
+        const scenes::PictureFeatures* key = keyView(index);
+        const scenes::PictureFeatures* next = keyView(index + 1);
+        return key != nullptr && next != nullptr &&
+               scenes::passageBetween(*key, *next, 0, owner_.plan_.threshold) ==
+                   scenes::Passage::sameView;
+    }
+
+    /// Leaves out all of a group but its key frame, where that will do.
+    bool leaveOutWhole(std::size_t index) {
+        if (packetsNeeded(index) > 1 || !showOneView(index)) return false;
+        endChain();
+        pictures_.insert_or_assign(keyOf(index)->pts, *keyView(index));
+        return true;
+    }
+
+    /// Decodes a group; from `needed` packets on, the rest is left out if what comes behind allows.
+    void decode(std::size_t index, std::size_t needed) {
+        const PacketGroup& group = segment_.groups[index];
+        // Without what is before the key frame, the pictures that are shown before it cannot be
+        // decoded; nor are they part of this stretch then.
+        const bool isEntered =
+            !isInChain_ && segment_.number + static_cast<std::int64_t>(index) > 0;
+        for (std::size_t i = 0; i < group.size() && !owner_.stop_.stop_requested(); ++i) {
+            if (i == std::max(needed, leastDecoded) && i < group.size()) {
+                const Rest rest = restOf(index);
+                if (rest != Rest::needed) endChain();
+                if (rest == Rest::empty) return;
+                if (rest == Rest::deceptive) return decode(index, group.size());
+            }
+            if (isEntered && group[i]->pts < group.front()->pts) continue;
+            send(*group[i]);
+            tellOf(1);
+            ++told_;
+        }
+    }
+
+    enum class Rest {
+        needed,    ///< something may happen in it
+        empty,     ///< nothing does
+        deceptive  ///< the scene begins a few pictures before the key frame; the chain is spoilt
+    };
+
+    /// Tells what is to be expected of the pictures between the newest one, which is of a group,
+    /// and the next key frame.
+    Rest restOf(std::size_t index) {
+        const scenes::PictureFeatures* next = keyView(index + 1);
+        if (newest_ == pictures_.end() || next == nullptr) return Rest::needed;
+        const scenes::Passage passage = scenes::passageBetween(
+            newest_->second, *next, movementUpToNewest(), owner_.plan_.threshold);
+        if (passage == scenes::Passage::sameView) return Rest::empty;
+        // A coder that begins a new group out of turn has seen the new scene begin there.
+        if (passage == scenes::Passage::unclear || !owner_.chain_.givesNewest() ||
+            owner_.plan_.rhythm.isInTurn(keyOf(index)->pts, keyOf(index + 1)->pts)) {
+            ++vainLooks_;
+            return Rest::needed;
+        }
+        return lastLooksLike(*next, index) ? Rest::deceptive : Rest::empty;
+    }
+
+    /// Says whether a group's last picture shows the view of the next key frame rather than that of
+    /// the newest picture.
+    ///
+    /// It is decoded on top of the newest one, as if nothing were between them. So it is not what
+    /// it should be; but the coder has either taken it over from pictures like the newest, or
+    /// stored it as something new.
+    bool lastLooksLike(const scenes::PictureFeatures& next, std::size_t index) {
+        const PacketGroup& group = segment_.groups[index];
+        const auto last =
+            std::max_element(group.begin(), group.end(),
+                             [](const auto& a, const auto& b) { return a->pts < b->pts; });
+        const scenes::PictureFeatures before = newest_->second;
+        const std::optional<scenes::PictureFeatures> seen = glimpse(**last);
+        return seen && differenceOf(*seen, next) < differenceOf(*seen, before);
+    }
+
+    /// Returns what comes of a packet without those before it; none for nothing at all.
+    std::optional<scenes::PictureFeatures> glimpse(const AVPacket& packet) {
+        // What is missing is no error of the file.
+        const FirstError aside;
+        Decoder& chain = owner_.chain_;
+        const std::int64_t damagedBefore = chain.damaged();
+        std::optional<scenes::PictureFeatures> seen;
+        if (chain.givesNewest()) chain.leaveOutUnneeded(false);
+        chain.send(&packet);
+        if (const AVFrame* frame = chain.givesNewest() ? chain.newest() : nullptr) {
+            seen = featuresOf(*frame);
+        }
+        receive();
+        forgiven_ += chain.damaged() - damagedBefore;
+        isSpoilt_ = true;
+        return seen;
+    }
+
+    double movementUpToNewest() {
+        const auto behindIt = std::distance(pictures_.begin(), newest_);
+        const auto earlier = std::prev(newest_, std::min(picturesOfPace, behindIt));
+        return differenceOf(earlier->second, newest_->second);
+    }
+
+    void send(const AVPacket& packet) {
+        isInChain_ = true;
+        Decoder& chain = owner_.chain_;
+        if (chain.givesNewest()) chain.leaveOutUnneeded(isBetweenPicturesOfOneScene(packet.pts));
+        chain.send(&packet);
+        if (const AVFrame* frame = chain.givesNewest() ? chain.newest() : nullptr) {
+            if (isShown(packet)) {
+                take(*frame, packet.pts);
+                ++awaited_;
+            }
+        }
+        receive();
+    }
+
+    void receive() {
+        while (const AVFrame* frame = owner_.chain_.receive()) {
+            --awaited_;
+            if (!owner_.chain_.givesNewest()) take(*frame, frame->best_effort_timestamp);
+        }
+    }
+
+    /// Gets the last frames out of the chain, which is at its end.
+    void endChain() {
+        if (!std::exchange(isInChain_, false)) return;
+        Decoder& chain = owner_.chain_;
+        chain.send(nullptr);
+        receive();
+        chain.forget();
+        newest_ = pictures_.end();
+        const bool isComplete = std::exchange(awaited_, 0) <= 0 || !chain.givesNewest() ||
+                                std::exchange(isSpoilt_, false);
+        if (!isComplete && !owner_.stop_.stop_requested()) throw NotDivisible{};
+    }
+
+    bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
+        const auto after = pictures_.upper_bound(timestamp);
+        if (after == pictures_.begin() || after == pictures_.end()) return false;
+        return scenes::areNeighboursOfOneScene(std::prev(after)->second, after->second, pace_,
+                                               owner_.plan_.threshold);
+    }
+
+    /// Returns the features of a frame; none for a pixel format that cannot be read.
+    std::optional<scenes::PictureFeatures> featuresOf(const AVFrame& frame) {
+        scenes::PictureSample sample;
+        sample.positionTicks = 0;
+        if (!owner_.scaler_.scale(frame, sample)) return std::nullopt;
+        return scenes::featuresOf(sample);
+    }
+
+    void take(const AVFrame& frame, std::int64_t timestamp) {
+        const std::optional<scenes::PictureFeatures> features = featuresOf(frame);
+        if (!features) return;
+        newest_ = pictures_.insert_or_assign(timestamp, *features).first;
+        if (newest_ != pictures_.begin()) followPace();
+    }
+
+    void followPace() {
+        const double change = differenceOf(std::prev(newest_)->second, newest_->second);
+        const double counted = std::min(change, largestTimesPace * pace_ + largestBesidePace);
+        pace_ += paceWeight * (counted - pace_);
+    }
+
+    /// Returns what the key frame of a group shows; null where that cannot be seen.
+    const scenes::PictureFeatures* keyView(std::size_t group) {
+        KeyView& view = keyViews_[group];
+        if (!std::exchange(view.isKnown, true)) view.features = look(*keyOf(group));
+        return view.features ? &*view.features : nullptr;
+    }
+
+    std::optional<scenes::PictureFeatures> look(const AVPacket& key) {
+        Decoder& keys = owner_.keys_;
+        keys.send(&key);
+        keys.send(nullptr);
+        std::optional<scenes::PictureFeatures> features;
+        while (const AVFrame* frame = keys.receive()) {
+            features = featuresOf(*frame);
+        }
+        keys.forget();
+        return features;
+    }
+
+    std::int64_t damagedSoFar() const { return owner_.chain_.damaged() - forgiven_; }
+
+    void tellOf(std::size_t packets) {
+        tell_(static_cast<double>(packets) / static_cast<double>(packets_));
+    }
+
+    SegmentView view(std::int64_t damaged) {
+        SegmentView view;
+        view.damaged = damaged;
+        view.frames = static_cast<std::int64_t>(packets_);
+        const AVPacket* next = keyOf(segment_.groups.size());
+        for (auto& [timestamp, features] : pictures_) {
+            if (next != nullptr && timestamp >= next->pts) break;
+            view.pictures.push_back({timestamp, features});
+        }
+        return view;
+    }
+
+    struct KeyView {
+        bool isKnown = false;
+        std::optional<scenes::PictureFeatures> features;
+    };
+
+    SegmentDecoder& owner_;
+    const Segment& segment_;
+    const Tell& tell_;
+    std::size_t packets_ = 0;
+    std::size_t told_ = 0;
+    Pictures pictures_;
+    std::vector<KeyView> keyViews_;
+    /// The picture that the chain has decoded last.
+    Pictures::iterator newest_ = pictures_.end();
+    /// How much pictures usually change from one to the next.
+    double pace_ = 0;
+    /// The chain has decoded everything up to here without a gap.
+    bool isInChain_ = false;
+    /// Frames that were decoded and have not been received.
+    std::int64_t awaited_ = 0;
+    int vainLooks_ = 0;
+    /// The chain has decoded something with parts missing.
+    bool isSpoilt_ = false;
+    /// Frames that the chain calls damaged for what was missing on purpose.
+    std::int64_t forgiven_ = 0;
+};
+
+SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::stop_token stop)
+    : plan_(plan),
+      stop_(std::move(stop)),
+      chain_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick),
+      keys_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick) {}
+
+SegmentView SegmentDecoder::decode(const Segment& segment, const Tell& tell) {
+    return Work(*this, segment, tell).run();
+}
+
+}  // namespace reference_host::media

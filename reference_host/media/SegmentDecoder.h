@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+#include "reference_host/media/Decoder.h"
+#include "reference_host/media/KeyRhythm.h"
+#include "reference_host/media/PictureScaler.h"
+#include "reference_host/media/Segment.h"
+#include "reference_host/scenes/PictureFeatures.h"
+
+namespace reference_host::media {
+
+/// A picture of a segment and when it is shown, in the unit of its stream.
+struct SegmentPicture {
+    std::int64_t timestamp = 0;
+    scenes::PictureFeatures features;
+};
+
+/// What is seen in a segment: the pictures that were decoded, in the order in which they are shown.
+struct SegmentView {
+    std::vector<SegmentPicture> pictures;
+    /// How many frames were lost, or decoded with parts made up.
+    std::int64_t damaged = 0;
+    /// How many frames the segment holds, decoded or not.
+    std::int64_t frames = 0;
+};
+
+/// The key frames of a video are not such that decoding can begin there.
+struct NotDivisible {};
+
+/// Decodes as little of segments as shows their scenes. Belongs to one thread at a time.
+///
+/// Two kinds of pictures are left out. Those that no other picture needs, where the pictures on
+/// both sides show one view: seen from there, no scene begins between them. And the rest of a group
+/// of pictures, where the packets' sizes tell of nothing new and the next key frame shows the view
+/// of the last picture.
+class SegmentDecoder {
+public:
+    struct Plan {
+        /// The ratio by which changes have to stand out; see SceneAnalysis. The lower, the more is
+        /// decoded.
+        double threshold = 3.0;
+        /// How long a stretch may be of which nothing is decoded, in the unit of the stream.
+        std::int64_t longestGap = 0;
+        KeyRhythm rhythm;
+    };
+
+    /// `stream` has to outlive this. Decoding ends soon after `stop` is requested. Throws
+    /// MediaError where it cannot be decoded.
+    SegmentDecoder(const AVStream& stream, const Plan& plan, std::stop_token stop);
+
+    /// Takes in that a part of the segment, of 1 for the whole, is done.
+    using Tell = std::function<void(double part)>;
+
+    /// Returns what is seen in `segment`: the same for equal segments, whatever was decoded before.
+    /// After a stop it means nothing. Throws NotDivisible.
+    SegmentView decode(const Segment& segment, const Tell& tell);
+
+private:
+    class Work;
+
+    const Plan plan_;
+    const std::stop_token stop_;
+    /// Decodes one picture after the other.
+    Decoder chain_;
+    /// Decodes single key frames.
+    Decoder keys_;
+    PictureScaler scaler_;
+};
+
+}  // namespace reference_host::media

@@ -1,0 +1,118 @@
+#include "reference_host/media/SegmentedPictures.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace reference_host::media {
+namespace {
+
+/// How long progress is not told of while nothing else happens.
+constexpr std::chrono::milliseconds tellInterval{50};
+
+}  // namespace
+
+SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
+                                     const FootageFacts& facts, const SegmentDecoder::Plan& plan,
+                                     std::size_t workers, const std::stop_token& stop, Tell tell)
+    : plan_(plan),
+      mostAhead_(static_cast<std::int64_t>(workers) + 2),
+      lastTimestamp_(facts.lastTimestamp),
+      length_(std::max(1.0, static_cast<double>(facts.lastTimestamp) -
+                                static_cast<double>(facts.originTimestamp))),
+      tell_(std::move(tell)),
+      stopped_(stop, [this] { end_.request_stop(); }),
+      container_(std::move(container)),
+      segments_(*container_) {
+    for (std::size_t i = 0; i < workers; ++i)
+        workers_.emplace_back([this] { work(); });
+}
+
+SegmentedPictures::~SegmentedPictures() {
+    end_.request_stop();
+    {
+        const std::scoped_lock lock(mutex_);
+        changed_.notify_all();
+    }
+    workers_.clear();
+}
+
+void SegmentedPictures::work() {
+    try {
+        decodeSegments();
+    } catch (...) {
+        const std::scoped_lock lock(mutex_);
+        if (!failure_) failure_ = std::current_exception();
+        changed_.notify_all();
+    }
+}
+
+void SegmentedPictures::decodeSegments() {
+    SegmentDecoder decoder(container_->video(), plan_, end_.get_token());
+    while (const std::optional<Segment> segment = takeSegment()) {
+        SegmentView view = decoder.decode(*segment, [&](double part) { handle(*segment, part); });
+        const std::scoped_lock lock(mutex_);
+        views_.emplace(segment->number, std::move(view));
+        changed_.notify_all();
+    }
+}
+
+std::optional<Segment> SegmentedPictures::takeSegment() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] {
+        return end_.stop_requested() || failure_ || isReadWhole_ || taken_ < wanted_ + mostAhead_;
+    });
+    if (end_.stop_requested() || failure_ || isReadWhole_) return std::nullopt;
+    std::optional<Segment> segment = segments_.next();
+    if (segment) {
+        ++taken_;
+    } else {
+        isReadWhole_ = true;
+        changed_.notify_all();
+    }
+    return segment;
+}
+
+void SegmentedPictures::handle(const Segment& segment, double part) {
+    const std::int64_t begin = segment.groups.front().front()->pts;
+    const std::int64_t end = segment.next.empty() ? lastTimestamp_ : segment.next.front()->pts;
+    const std::scoped_lock lock(mutex_);
+    handled_ += part * (static_cast<double>(end) - static_cast<double>(begin));
+}
+
+bool SegmentedPictures::waitForView() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+        if (end_.stop_requested()) return false;
+        const auto found = views_.find(wanted_);
+        if (found != views_.end()) {
+            view_ = std::move(found->second);
+            views_.erase(found);
+            ++wanted_;
+            changed_.notify_all();
+            return true;
+        }
+        if (failure_) std::rethrow_exception(failure_);
+        if (isReadWhole_ && wanted_ == taken_) return false;
+        const double share = std::min(1.0, handled_ / length_);
+        lock.unlock();
+        tell_(share);
+        lock.lock();
+        changed_.wait_for(lock, tellInterval);
+    }
+}
+
+bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
+    while (nextPicture_ == view_.pictures.size()) {
+        if (!waitForView()) return false;
+        nextPicture_ = 0;
+        damage_.damaged += view_.damaged;
+        damage_.all += view_.frames;
+    }
+    SegmentPicture& next = view_.pictures[nextPicture_++];
+    timestamp = next.timestamp;
+    picture = next.features;
+    return true;
+}
+
+}  // namespace reference_host::media

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <thread>
+#include <vector>
+
+#include "reference_host/media/Container.h"
+#include "reference_host/media/FootageFacts.h"
+#include "reference_host/media/PictureSource.h"
+#include "reference_host/media/SegmentDecoder.h"
+#include "reference_host/media/SegmentReader.h"
+
+namespace reference_host::media {
+
+/// Looks at several segments of a video at once, each on a thread of its own. next() belongs to one
+/// thread, on which everything is put in order again.
+class SegmentedPictures final : public PictureSource {
+public:
+    /// Takes in, on the thread that is in next(), how much of the packets has been handled: 0 to 1.
+    using Tell = std::function<void(double share)>;
+
+    /// Reads the packets of `container`, which has been opened and not been read; `facts` were
+    /// found in the same file before. Reading ends soon after `stop` is requested. `workers` is at
+    /// least
+    /// 1. Throws MediaError.
+    SegmentedPictures(std::unique_ptr<Container> container, const FootageFacts& facts,
+                      const SegmentDecoder::Plan& plan, std::size_t workers,
+                      const std::stop_token& stop, Tell tell);
+    ~SegmentedPictures() override;
+
+    /// Throws NotDivisible and SegmentTooLong.
+    bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) override;
+    Damage damage() const override { return damage_; }
+
+private:
+    void work();
+    void decodeSegments();
+    std::optional<Segment> takeSegment();
+    void handle(const Segment& segment, double part);
+    bool waitForView();
+
+    const SegmentDecoder::Plan plan_;
+    /// How many segments may wait to be looked at, or be under way.
+    const std::int64_t mostAhead_;
+    const std::int64_t lastTimestamp_;
+    /// How long the whole video is, in the unit of its stream.
+    const double length_;
+    const Tell tell_;
+    /// Asked to stop when the run is, and at the end of this.
+    std::stop_source end_;
+    std::stop_callback<std::function<void()>> stopped_;
+    const std::unique_ptr<Container> container_;
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    SegmentReader segments_;
+    /// What the workers have seen, by the segments' numbers.
+    std::map<std::int64_t, SegmentView> views_;
+    std::exception_ptr failure_;
+    /// The segment that is given next, and how many there have been.
+    std::int64_t wanted_ = 0;
+    std::int64_t taken_ = 0;
+    bool isReadWhole_ = false;
+    double handled_ = 0;
+
+    SegmentView view_;
+    std::size_t nextPicture_ = 0;
+    Damage damage_;
+    std::vector<std::jthread> workers_;
+};
+
+}  // namespace reference_host::media

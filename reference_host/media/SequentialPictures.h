@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <stop_token>
+
+#include "reference_host/media/FrameReader.h"
+#include "reference_host/media/PictureScaler.h"
+#include "reference_host/media/PictureSource.h"
+
+namespace reference_host::media {
+
+/// Decodes all pictures one after the other, with the threads of the decoder.
+class SequentialPictures final : public PictureSource {
+public:
+    /// Reading ends soon after `stop` is requested. Throws MediaError.
+    SequentialPictures(const std::filesystem::path& file, std::stop_token stop);
+
+    bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) override;
+    Damage damage() const override;
+
+private:
+    FrameReader reader_;
+    PictureScaler scaler_;
+    std::int64_t unreadable_ = 0;
+};
+
+}  // namespace reference_host::media

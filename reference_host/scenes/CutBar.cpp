@@ -1,0 +1,52 @@
+#include "reference_host/scenes/CutBar.h"
+
+#include <algorithm>
+
+#include "reference_host/scenes/Difference.h"
+
+namespace reference_host::scenes {
+namespace {
+
+constexpr double ordinaryContrast = 32.0;
+
+/// Two pictures with a quiet stretch between them show one view if they differ by so many times the
+/// least cut: people move meanwhile, but new scenes differ by four times as much.
+constexpr double sameViewPart = 1.5;
+
+/// And so many times the least cut, with the movement near them added, is a new view.
+constexpr double newViewPart = 4.0;
+
+/// Room for the movement between two neighbours, which may make a cut look smaller.
+constexpr double neighbourPart = 0.8;
+
+/// The part of the pace between pictures that are two or three steps apart that is found between
+/// neighbours.
+constexpr double paceOfOneStep = 0.5;
+
+}  // namespace
+
+double contrastScale(float contrastBefore, float contrastAfter, double smallest) {
+    return std::clamp(std::max(contrastBefore, contrastAfter) / ordinaryContrast, smallest, 1.0);
+}
+
+double leastCut(float contrastBefore, float contrastAfter, double threshold) {
+    return threshold * stillChange * contrastScale(contrastBefore, contrastAfter, smallestCutScale);
+}
+
+Passage passageBetween(const PictureFeatures& before, const PictureFeatures& after, double pace,
+                       double threshold) {
+    const Difference difference = differenceBetween(before.thumbnail, after.thumbnail);
+    const double least = leastCut(before.contrast, after.contrast, threshold);
+    if (difference.overall <= sameViewPart * least) return Passage::sameView;
+    const bool standsOut = difference.widespread >= newViewPart * least + threshold * pace;
+    return standsOut ? Passage::newView : Passage::unclear;
+}
+
+bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
+                             double pace, double threshold) {
+    const double least = leastCut(before.contrast, after.contrast, threshold);
+    return differenceBetween(before.thumbnail, after.thumbnail).overall <=
+           neighbourPart * (least + threshold * paceOfOneStep * pace);
+}
+
+}  // namespace reference_host::scenes

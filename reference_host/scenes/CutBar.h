@@ -1,0 +1,41 @@
+#pragma once
+
+#include "reference_host/scenes/PictureFeatures.h"
+
+namespace reference_host::scenes {
+
+/// Added to what moves around a change, so that in still footage a change counts from the threshold
+/// times this on. In ordinary footage, at the default threshold, that is what a sudden gesture in a
+/// still scene reaches, and the weakest cuts begin above twice as much.
+constexpr double stillChange = 3.0;
+
+/// How far `stillChange` shrinks in dark or flat pictures: changes are smaller there, but grain and
+/// the steps of 8 bits are not.
+constexpr double smallestCutScale = 0.25;
+
+/// Returns how large changes between two pictures of these contrasts are, in relation to those
+/// between ordinary ones; from `smallest` to 1.
+double contrastScale(float contrastBefore, float contrastAfter, double smallest);
+
+/// Returns the least change between two pictures of these contrasts that can be a cut, where
+/// nothing else moves.
+double leastCut(float contrastBefore, float contrastAfter, double threshold);
+
+/// What two pictures with others between them tell about these.
+enum class Passage {
+    sameView,  ///< both show one scene: they differ by less than any cut
+    newView,   ///< a new scene begins between them, and no movement explains it
+    unclear
+};
+
+/// Tells whether a scene begins between two pictures. `pace` is how much pictures differ near them,
+/// at some distance, for which the movement in the scene is to blame.
+Passage passageBetween(const PictureFeatures& before, const PictureFeatures& after, double pace,
+                       double threshold);
+
+/// Says whether pictures between these two, which are next to each other but for a few, need not be
+/// looked at to find a cut. `pace` is as above, for pictures at such a distance.
+bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
+                             double pace, double threshold);
+
+}  // namespace reference_host::scenes

@@ -1,0 +1,11 @@
+#include "reference_host/scenes/PictureFeatures.h"
+
+namespace reference_host::scenes {
+
+PictureFeatures featuresOf(const PictureSample& picture) {
+    PictureFeatures features{picture.positionTicks, sharpnessOf(picture), 0, thumbnailOf(picture)};
+    features.contrast = contrastOf(features.thumbnail);
+    return features;
+}
+
+}  // namespace reference_host::scenes

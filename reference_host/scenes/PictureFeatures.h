@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+#include "reference_host/scenes/PictureSample.h"
+#include "reference_host/scenes/Thumbnail.h"
+
+namespace reference_host::scenes {
+
+/// All that scene analysis looks at of one picture.
+struct PictureFeatures {
+    /// Where the picture begins to be shown: ticks from the first picture of the footage.
+    std::int64_t positionTicks = 0;
+    /// How much fine detail it shows; see sharpnessOf().
+    float sharpness = 0;
+    /// Standard deviation of the brightness; see contrastOf().
+    float contrast = 0;
+    Thumbnail thumbnail;
+};
+
+/// Returns the features of `picture`.
+PictureFeatures featuresOf(const PictureSample& picture);
+
+}  // namespace reference_host::scenes
