@@ -1,8 +1,9 @@
-#include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "reference_host/scenes/SignalBuilder.h"
 #include "tests/scenes/PlainDifference.h"
 #include "tests/scenes/Scenery.h"
 
@@ -76,6 +77,54 @@ RC_GTEST_PROP(PlainDifference, HoldsForBarsPlainAreasAndOtherScenes, ()) {
     expectPlain(before, before);
     expectPlain(before, still);
     expectPlain(still, after);
+}
+
+RC_GTEST_PROP(PairDifferences, AreThoseOfThePictures, ()) {
+    const Scenery scenery(*rc::gen::inRange<std::uint32_t>(0, 1000));
+    constexpr std::size_t reach = 4;
+    ThumbnailWindow window(2 * reach);
+    PairDifferences pairs(reach);
+    for (std::size_t i = 0; i < 3 * reach; ++i) {
+        WindowPicture picture;
+        picture.thumbnail =
+            thumbnailOf(scenery.seenFrom(*rc::gen::inRange(0, 200), *rc::gen::inRange(0, 100)));
+        window.push(picture);
+        // Pairs near and farther than what is remembered, in any order and repeatedly.
+        for (std::size_t ask = 0; ask < 6 && i > 0; ++ask) {
+            const std::size_t last = *rc::gen::inRange(window.begin() + 1, window.end());
+            const std::size_t first = *rc::gen::inRange(window.begin(), last);
+            const Difference expected =
+                differenceBetween(window[first].thumbnail, window[last].thumbnail);
+            const Difference difference = pairs.between(window, first, last);
+            RC_ASSERT(difference.overall == expected.overall);
+            RC_ASSERT(difference.widespread == expected.widespread);
+        }
+    }
+}
+
+/// A camera that shakes, with a flash and a cut in between.
+TEST(PairDifferences, ChangeNoSignal) {
+    const Scenery first(1);
+    const Scenery second(2);
+    for (const std::int64_t rate : {10, 25, 30, 50, 120}) {
+        constexpr std::size_t count = 60;
+        ThumbnailWindow window(count);
+        SignalBuilder builder;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double place = 60 + static_cast<double>(i * i * 37 % 50);
+            PictureSample picture =
+                i == 20 ? plain(250) : (i < 40 ? first : second).seenFrom(place, 20);
+            picture.positionTicks = static_cast<std::int64_t>(i) * ticksPerSecond / rate;
+            builder.add(picture);
+            window.push({i, picture.positionTicks, thumbnailOf(picture)});
+        }
+        const std::vector<FrameSignal> signals = builder.finish();
+        for (std::size_t i = 0; i < count; ++i) {
+            const Change expected = changeAt(window, i);
+            EXPECT_EQ(signals[i].change, expected.overall) << rate << " " << i;
+            EXPECT_EQ(signals[i].lastingChange, expected.lasting) << rate << " " << i;
+        }
+    }
 }
 
 TEST(PlainDifference, HoldsForTheLargestDistances) {
