@@ -7,6 +7,9 @@ namespace reference_host::media {
 
 /// Makes small pictures of decoded frames. Size and format may change from frame to frame. Belongs
 /// to one thread at a time.
+///
+/// Brightness and colour that are stored in planes, which is how nearly all videos are decoded, are
+/// averaged here; other layouts, and pictures smaller than the result, are left to libswscale.
 class PictureScaler {
 public:
     PictureScaler();

@@ -61,9 +61,10 @@ float steadinessOf(const ThumbnailWindow& window, std::size_t first, std::size_t
             static_cast<double>(window[i].positionTicks - begin.positionTicks) / length;
         residual = std::max(residual, mixture.residual);
         deviation = std::max(deviation, std::abs(mixture.share - static_cast<float>(steady)));
+        // Most pictures are no mix; the first look tells.
+        if (residual >= largestResidual || deviation >= largestDeviation) return 0;
     }
-    return std::max(0.0F, 1 - residual / largestResidual) *
-           std::max(0.0F, 1 - deviation / largestDeviation);
+    return (1 - residual / largestResidual) * (1 - deviation / largestDeviation);
 }
 
 /// Returns the difference of two pictures of the window that is not confined to one place.

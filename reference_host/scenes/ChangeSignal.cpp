@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "reference_host/scenes/Difference.h"
 #include "reference_host/scenes/FrameSignal.h"
 
 namespace reference_host::scenes {
@@ -19,17 +18,13 @@ constexpr std::int64_t comparedStepTicks = ticksPerSecond / 33;
 /// Less is no candidate for a cut whatever comes after it, and need not be looked into.
 constexpr float smallestChange = 1.0F;
 
-float widespreadDifference(const WindowPicture& before, const WindowPicture& after) {
-    return differenceBetween(before.thumbnail, after.thumbnail).widespread;
-}
-
 }  // namespace
 
-Change changeAt(const ThumbnailWindow& window, std::size_t number) {
+Change changeAt(const ThumbnailWindow& window, std::size_t number, PairDifferences& pairs) {
     if (number == window.begin()) return {};
     const WindowPicture& before = window[number - 1];
     const WindowPicture& here = window[number];
-    const Difference difference = differenceBetween(before.thumbnail, here.thumbnail);
+    const Difference difference = pairs.between(window, number - 1, number);
     float lasting = difference.widespread;
     if (lasting < smallestChange) return {difference.overall, lasting};
 
@@ -40,7 +35,7 @@ Change changeAt(const ThumbnailWindow& window, std::size_t number) {
         if (afterwards - here.positionTicks > longestFlashTicks) break;
         if (afterwards - compared < comparedStepTicks) continue;
         compared = afterwards;
-        lasting = std::min(lasting, widespreadDifference(before, window[i]));
+        lasting = std::min(lasting, pairs.between(window, number - 1, i).widespread);
     }
 
     compared = before.positionTicks;
@@ -49,9 +44,14 @@ Change changeAt(const ThumbnailWindow& window, std::size_t number) {
         if (here.positionTicks - window[i + 1].positionTicks > longestFlashTicks) break;
         if (compared - window[i].positionTicks < comparedStepTicks) continue;
         compared = window[i].positionTicks;
-        lasting = std::min(lasting, widespreadDifference(window[i], here));
+        lasting = std::min(lasting, pairs.between(window, i, number).widespread);
     }
     return {difference.overall, lasting};
+}
+
+Change changeAt(const ThumbnailWindow& window, std::size_t number) {
+    PairDifferences pairs(1);
+    return changeAt(window, number, pairs);
 }
 
 }  // namespace reference_host::scenes

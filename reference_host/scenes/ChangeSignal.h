@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "reference_host/scenes/PairDifferences.h"
 #include "reference_host/scenes/ThumbnailWindow.h"
 
 namespace reference_host::scenes {
@@ -24,5 +25,8 @@ struct Change {
 /// counts between the picture before and any of those within a flash's length from `number` on, and
 /// between any of those within a flash's length before and the picture `number` itself.
 Change changeAt(const ThumbnailWindow& window, std::size_t number);
+
+/// The same, with what is remembered of earlier calls for this window.
+Change changeAt(const ThumbnailWindow& window, std::size_t number, PairDifferences& pairs);
 
 }  // namespace reference_host::scenes

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <tuple>
 
 namespace reference_host::scenes {
 namespace {
@@ -32,38 +33,76 @@ constexpr std::uint8_t brightestBlack = 12;
 /// picture would be stretched into whatever it is compared with.
 constexpr float largestGain = 2.0F;
 
-int blockDifference(const Thumbnail::Plane& a, std::size_t offsetA, const Thumbnail::Plane& b,
-                    std::size_t offsetB) {
-    int sum = 0;
-    for (std::size_t y = 0; y < blockHeightPx; ++y) {
-        const std::uint8_t* rowA = a.data() + offsetA + y * thumbnailWidthPx;
-        const std::uint8_t* rowB = b.data() + offsetB + y * thumbnailWidthPx;
-        for (std::size_t x = 0; x < blockWidthPx; ++x)
-            sum += std::abs(rowA[x] - rowB[x]);
+/// Columns of one plane as wide as a block, copied so that their rows follow each other without a
+/// gap: compilers then sum up the differences of a block sixteen at a time, which takes a fifth of
+/// the time that they need where the rows are apart.
+class Strip {
+public:
+    Strip(const Thumbnail::Plane& plane, std::size_t x0) {
+        for (std::size_t y = 0; y < thumbnailHeightPx; ++y)
+            std::copy_n(plane.data() + y * thumbnailWidthPx + x0, blockWidthPx,
+                        values_.data() + y * blockWidthPx);
     }
+
+    /// Returns the block whose upper edge is at `y0`.
+    const std::uint8_t* blockAt(std::size_t y0) const { return values_.data() + y0 * blockWidthPx; }
+
+private:
+    std::array<std::uint8_t, thumbnailHeightPx * blockWidthPx> values_;
+};
+
+int blockDifference(const std::uint8_t* a, const std::uint8_t* b) {
+    int sum = 0;
+    for (std::size_t i = 0; i < blockPixels; ++i)
+        sum += std::abs(a[i] - b[i]);
     return sum;
 }
 
-/// Returns the difference of a block of `after` to the place near it in `before` that fits best.
-int bestBlockDifference(const Thumbnail& before, const Thumbnail& after, std::size_t x0,
-                        std::size_t y0) {
-    const std::size_t offset = y0 * thumbnailWidthPx + x0;
-    const std::size_t x1 = std::min(x0 + reachXPx, thumbnailWidthPx - blockWidthPx);
-    const std::size_t y1 = std::min(y0 + reachYPx, thumbnailHeightPx - blockHeightPx);
-    int best = std::numeric_limits<int>::max();
-    std::size_t bestOffset = offset;
-    for (std::size_t y = y0 - std::min(y0, reachYPx); y <= y1; ++y) {
-        for (std::size_t x = x0 - std::min(x0, reachXPx); x <= x1; ++x) {
-            const std::size_t candidate = y * thumbnailWidthPx + x;
-            const int difference = blockDifference(after.luma, offset, before.luma, candidate);
-            if (difference < best) {
-                best = difference;
-                bestOffset = candidate;
+/// A place that fits a block.
+struct Place {
+    int difference = std::numeric_limits<int>::max();
+    std::size_t x = 0;
+    std::size_t y = 0;
+
+    /// Of places that fit equally well, the first in order of rows counts.
+    bool isBetterThan(const Place& other) const {
+        return std::tie(difference, y, x) < std::tie(other.difference, other.y, other.x);
+    }
+};
+
+constexpr std::size_t blockRows = thumbnailHeightPx / blockHeightPx;
+
+/// Returns the differences of the blocks of `after` from `x0` on, from the upper to the lower one,
+/// to the places near them in `before` where their brightness fits best.
+std::array<int, blockRows> bestDifferences(const Thumbnail& before, const Thumbnail& after,
+                                           std::size_t x0) {
+    const Strip blocks(after.luma, x0);
+    std::array<Place, blockRows> best;
+    const std::size_t lastX = std::min(x0 + reachXPx, thumbnailWidthPx - blockWidthPx);
+    for (std::size_t x = x0 - std::min(x0, reachXPx); x <= lastX; ++x) {
+        const Strip places(before.luma, x);
+        for (std::size_t i = 0; i < blockRows; ++i) {
+            const std::size_t y0 = i * blockHeightPx;
+            const std::size_t lastY = std::min(y0 + reachYPx, thumbnailHeightPx - blockHeightPx);
+            for (std::size_t y = y0 - std::min(y0, reachYPx); y <= lastY; ++y) {
+                const Place place{blockDifference(blocks.blockAt(y0), places.blockAt(y)), x, y};
+                if (place.isBetterThan(best[i])) best[i] = place;
             }
         }
     }
-    return best + blockDifference(after.u, offset, before.u, bestOffset) +
-           blockDifference(after.v, offset, before.v, bestOffset);
+
+    std::array<int, blockRows> differences;
+    const Strip blocksU(after.u, x0);
+    const Strip blocksV(after.v, x0);
+    for (std::size_t i = 0; i < blockRows; ++i) {
+        const Place& place = best[i];
+        const std::size_t y0 = i * blockHeightPx;
+        differences[i] =
+            place.difference +
+            blockDifference(blocksU.blockAt(y0), Strip(before.u, place.x).blockAt(place.y)) +
+            blockDifference(blocksV.blockAt(y0), Strip(before.v, place.x).blockAt(place.y));
+    }
+    return differences;
 }
 
 bool isBlack(const Thumbnail& thumbnail, std::size_t x0, std::size_t y0) {
@@ -82,11 +121,13 @@ bool isBlack(const Thumbnail& thumbnail, std::size_t x0, std::size_t y0) {
 Difference shapeDifference(const Thumbnail& before, const Thumbnail& after) {
     std::array<int, thumbnailPixels / blockPixels> differences{};
     std::size_t count = 0;
-    for (std::size_t y = 0; y < thumbnailHeightPx; y += blockHeightPx) {
-        for (std::size_t x = 0; x < thumbnailWidthPx; x += blockWidthPx) {
+    for (std::size_t x = 0; x < thumbnailWidthPx; x += blockWidthPx) {
+        const auto there = bestDifferences(before, after, x);
+        const auto back = bestDifferences(after, before, x);
+        for (std::size_t i = 0; i < blockRows; ++i) {
+            const std::size_t y = i * blockHeightPx;
             if (isBlack(before, x, y) && isBlack(after, x, y)) continue;
-            differences[count++] = std::min(bestBlockDifference(before, after, x, y),
-                                            bestBlockDifference(after, before, x, y));
+            differences[count++] = std::min(there[i], back[i]);
         }
     }
     if (count == 0) return {};

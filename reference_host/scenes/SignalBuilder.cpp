@@ -39,7 +39,7 @@ void SignalBuilder::addForBlend(const WindowPicture& picture) {
 
 void SignalBuilder::setChange(std::size_t number) {
     FrameSignal& signal = signals_[changeWindow_[number].frame];
-    const Change change = changeAt(changeWindow_, number);
+    const Change change = changeAt(changeWindow_, number, changePairs_);
     signal.change = change.overall;
     signal.lastingChange = change.lasting;
 }

@@ -8,6 +8,7 @@
 #include "reference_host/scenes/ChangeSignal.h"
 #include "reference_host/scenes/FrameSignal.h"
 #include "reference_host/scenes/PictureFeatures.h"
+#include "reference_host/scenes/PairDifferences.h"
 #include "reference_host/scenes/ThumbnailWindow.h"
 
 namespace reference_host::scenes {
@@ -31,6 +32,7 @@ private:
 
     std::vector<FrameSignal> signals_;
     ThumbnailWindow changeWindow_{2 * lastingReach + 2};
+    PairDifferences changePairs_{lastingReach + 2};
     ThumbnailWindow blendWindow_{2 * blendReach + 1};
 };
 
