@@ -96,12 +96,12 @@ TEST(Materials, AreWorkAsFarAsTheyAreAnalysed) {
     const Materials materials = opened(
         {AUTOTRIM_CLIPS "/two.mp4", AUTOTRIM_CLIPS "/photo.png", AUTOTRIM_CLIPS "/short.mp4"}, {});
     Options options;
-    EXPECT_EQ(materials.work(options), (Work{8000, 0, 0}));
+    EXPECT_EQ(materials.work(options), (Work{10000, 0, 0}));
     options.minLengthSeconds = 0;
-    EXPECT_EQ(materials.work(options), (Work{8000, 0, 3000}));
+    EXPECT_EQ(materials.work(options), (Work{10000, 0, 5000}));
     options.minLengthSeconds = 6;
     options.photos = true;
-    EXPECT_EQ(materials.work(options), (Work{0, 2000, 0}));
+    EXPECT_EQ(materials.work(options), (Work{0, 4000, 0}));
     options.kinds = {6, 5};
     EXPECT_EQ(materials.work(options), (Work{0, 0, 0}));
 }
