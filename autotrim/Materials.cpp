@@ -15,6 +15,12 @@
 namespace autotrim {
 namespace {
 
+/// What each material takes, however long it is: opening it and looking for the first faces. In
+/// small videos (640 columns) that was measured to be as much as about four seconds of them.
+constexpr std::int64_t fixedWorkMilliseconds = 4000;
+
+constexpr std::int64_t ticksPerMillisecond = KOR::ticksPerSecond / 1000;
+
 using RecordsOfMedia = std::map<const KOR::IDmBaseMedia*, std::vector<Record>>;
 
 MaterialType typeOf(KOR::IDmBaseMedia& media) {
@@ -61,6 +67,17 @@ bool findFaces(const Kinds& kinds) {
     });
 }
 
+/// See Materials::work().
+std::int64_t workOn(KOR::IDmBaseMedia& media, const Options& options) {
+    if (typeOf(media) == MaterialType::photo) {
+        return options.photos && findFaces(options.kinds) ? fixedWorkMilliseconds : 0;
+    }
+    const std::int64_t duration = media.getDuration();
+    return isLong(duration, options.minLengthSeconds)
+               ? fixedWorkMilliseconds + duration / ticksPerMillisecond
+               : 0;
+}
+
 /// Whether a run by `options` is to look for faces in a photo, has given it its record before that,
 /// and has not looked yet.
 bool awaitsFaces(const FileReport& report, KOR::IDmBaseObj& material, const Options& options) {
@@ -99,48 +116,75 @@ bool lacksKeptRecords(KOR::IDmBaseObj& material) {
 
 }  // namespace
 
-std::string Materials::open(const std::string& file, const std::filesystem::path& cacheRoot,
-                            std::stop_token stop) {
+OpenedFile openFile(const std::string& file, const std::filesystem::path& cacheRoot,
+                    std::stop_token stop) {
     auto imported = reference_host::importMaterial(file, cacheRoot, std::move(stop));
-    Owned<KOR::IDmBaseObj> object(imported.object);
-    if (!object) {
-        skip(file, imported.error);
-        return imported.error;
+    return {file, std::move(imported.error), std::move(imported.contentKey),
+            Owned<KOR::IDmBaseObj>(imported.object)};
+}
+
+Materials::Materials(std::vector<OpenedFile> files) {
+    for (OpenedFile& opened : files) {
+        File file{opened.name, opened.error, std::nullopt};
+        if (opened.object) file.material = indexOfMaterial(std::move(opened));
+        files_.push_back(std::move(file));
     }
-    files_.push_back(
-        {file, {}, indexOfMaterial(std::move(imported.contentKey), std::move(object))});
-    return {};
 }
 
-void Materials::skip(const std::string& file, const std::string& reason) {
-    files_.push_back({file, reason, std::nullopt});
+std::vector<std::int64_t> Materials::work(const Options& options) const {
+    std::vector<std::int64_t> work;
+    for (const Material& material : materials_)
+        work.push_back(workOn(*material.media, options));
+    return work;
 }
 
-void Materials::insertInto(KOR::IKorMaterialAnalysis& component) const {
+void Materials::insertInto(KOR::IKorMaterialAnalysis& component, const Share& share) const {
     const Owned<KOR::IKORVoidPtrList> list(createKORVoidPtrList());
     bool good = list != nullptr;
-    for (const Material& material : materials_)
-        good = good && list->append(material.object.get()) == KOR::statusOk;
+    for (const std::size_t index : share)
+        good = good && list->append(materials_[index].object.get()) == KOR::statusOk;
     if (!good || component.insertMaterials(list.get(), 0) != KOR::statusOk) {
         throw std::runtime_error("the component does not take the materials");
     }
 }
 
-std::size_t Materials::reached() const {
-    const auto latest =
-        std::find_if(materials_.rbegin(), materials_.rend(), [](const Material& material) {
-            return reference_host::reportOf(*material.object).analysed;
-        });
-    return (latest == materials_.rend() ? materials_.back() : *latest).firstFile;
+std::size_t Materials::reached(const Share& share) const {
+    const auto latest = std::find_if(share.rbegin(), share.rend(), [this](std::size_t index) {
+        return reference_host::reportOf(*materials_[index].object).analysed;
+    });
+    return materials_[latest == share.rend() ? share.back() : *latest].firstFile;
 }
 
-std::vector<FileReport> Materials::reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
-                                           const Options& options) const {
-    const std::vector<FileReport> ofMaterials = reportsOfMaterials(component, end, options);
+void Materials::takeResults(KOR::IKorMaterialAnalysis& component, const Share& share, RunEnd end,
+                            const Options& options) {
+    RecordsOfMedia records = takeRecords(component);
+    // From the last to the first, as a run that has touched a material has passed those before it.
+    bool passed = end == RunEnd::complete;
+    for (auto index = share.rbegin(); index != share.rend(); ++index) {
+        const Material& material = materials_[*index];
+        FileReport& report = materials_[*index].report;
+        report.type = typeOf(*material.media);
+        report.duration = material.media->getDuration();
+        report.results = std::move(records[material.media]);
+        const bool hasRecords = !report.results.empty();
+        const auto facts = reference_host::reportOf(*material.object);
+        decideOutcome(report,
+                      {.analysed = facts.analysed,
+                       .hasRecords = hasRecords,
+                       .awaitsFaces = awaitsFaces(report, *material.object, options),
+                       .passed = passed,
+                       .failure = facts.failure},
+                      end, options.minLengthSeconds);
+        countFaces(report, *material.object, options.kinds);
+        passed = passed || facts.analysed || hasRecords;
+    }
+}
+
+std::vector<FileReport> Materials::reports() const {
     std::vector<FileReport> reports;
     for (const File& file : files_) {
         FileReport& report =
-            reports.emplace_back(file.material ? ofMaterials[*file.material] : FileReport{});
+            reports.emplace_back(file.material ? materials_[*file.material].report : FileReport{});
         report.file = file.name;
         if (!file.material) report.error = file.error;
     }
@@ -169,46 +213,20 @@ bool Materials::allKept(const std::vector<FileReport>& reports) const {
     return true;
 }
 
-/// Returns the index of the material of this content, which `object` becomes when it is new. The
-/// next file is the one that it comes from.
-std::size_t Materials::indexOfMaterial(std::string contentKey, Owned<KOR::IDmBaseObj> object) {
+/// Returns the index of the material of this content, which `file` becomes when it is new. The next
+/// file is this one.
+std::size_t Materials::indexOfMaterial(OpenedFile file) {
     const auto known = std::find_if(
         materials_.begin(), materials_.end(),
-        [&contentKey](const Material& material) { return material.contentKey == contentKey; });
+        [&file](const Material& material) { return material.contentKey == file.contentKey; });
     const auto index = static_cast<std::size_t>(known - materials_.begin());
     if (known == materials_.end()) {
-        auto* const media = static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
-        materials_.push_back({std::move(contentKey), std::move(object), media, files_.size()});
+        auto* const media =
+            static_cast<KOR::IDmBaseMedia*>(file.object->queryInterface("IDmBaseMedia"));
+        materials_.push_back(
+            {std::move(file.contentKey), std::move(file.object), media, files_.size(), {}});
     }
     return index;
-}
-
-/// Returns what has become of each material; the files of each are not named.
-std::vector<FileReport> Materials::reportsOfMaterials(KOR::IKorMaterialAnalysis& component,
-                                                      RunEnd end, const Options& options) const {
-    RecordsOfMedia records = takeRecords(component);
-    std::vector<FileReport> reports(materials_.size());
-    // From the last to the first, as a run that has touched a material has passed those before it.
-    bool passed = end == RunEnd::complete;
-    for (std::size_t i = materials_.size(); i-- > 0;) {
-        const Material& material = materials_[i];
-        FileReport& report = reports[i];
-        report.type = typeOf(*material.media);
-        report.duration = material.media->getDuration();
-        report.results = std::move(records[material.media]);
-        const bool hasRecords = !report.results.empty();
-        const auto facts = reference_host::reportOf(*material.object);
-        decideOutcome(report,
-                      {.analysed = facts.analysed,
-                       .hasRecords = hasRecords,
-                       .awaitsFaces = awaitsFaces(report, *material.object, options),
-                       .passed = passed,
-                       .failure = facts.failure},
-                      end, options.minLengthSeconds);
-        countFaces(report, *material.object, options.kinds);
-        passed = passed || facts.analysed || hasRecords;
-    }
-    return reports;
 }
 
 }  // namespace autotrim

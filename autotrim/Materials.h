@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <stop_token>
@@ -10,38 +12,53 @@
 #include "autotrim/Outcome.h"
 #include "autotrim/Owned.h"
 #include "autotrim/Report.h"
+#include "autotrim/Shares.h"
 #include "host/media.h"
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
 
 namespace autotrim {
 
+/// What has become of a file that was to be opened.
+struct OpenedFile {
+    std::string name;               ///< as given
+    std::string error;              ///< why it is no material; empty when it is one
+    std::string contentKey;         ///< equal for files of the same content; empty after an error
+    Owned<KOR::IDmBaseObj> object;  ///< the material; null after an error
+};
+
+/// Opens a file. `stop` breaks it off: the file is then no material. Any thread.
+OpenedFile openFile(const std::string& file, const std::filesystem::path& cacheRoot,
+                    std::stop_token stop);
+
 /// The files of one call of the program. Files of the same content, such as one that is given
 /// twice, a copy or a link, are one material of the host: it is analysed once, and each of them
 /// gets its records.
+///
+/// Materials are named by their indices, which are in the order of their first files.
 class Materials {
 public:
-    /// Opens the next file. Returns why it is no material; empty when it is one. `stop` breaks it
-    /// off: the file is then no material.
-    std::string open(const std::string& file, const std::filesystem::path& cacheRoot,
-                     std::stop_token stop);
+    explicit Materials(std::vector<OpenedFile> files);
 
-    /// Takes in that the next file is no material, and why.
-    void skip(const std::string& file, const std::string& reason);
+    /// Returns how much a run by `options` has to do for each material: about how many milliseconds
+    /// of footage take as long. That is 0 for those that are kept whole.
+    std::vector<std::int64_t> work(const Options& options) const;
 
-    /// Whether no file is a material.
-    bool empty() const { return materials_.empty(); }
+    /// Hands the materials of a share over.
+    void insertInto(KOR::IKorMaterialAnalysis& component, const Share& share) const;
 
-    /// Hands the materials over, in the order of the files.
-    void insertInto(KOR::IKorMaterialAnalysis& component) const;
+    /// Returns the index of the file that a run over `share`, which is not empty, has come to, once
+    /// it tells of progress: the first one of the material that was begun with last. Where none
+    /// was, the run had nothing to analyse and is at the last material. Any thread, while nothing
+    /// else than this is called.
+    std::size_t reached(const Share& share) const;
 
-    /// Returns the index of the file that a run has come to, once it tells of progress: the first
-    /// one of the material that was begun with last. Where none was, the run had nothing to analyse
-    /// and is at the last material. There is one.
-    std::size_t reached() const;
+    /// Takes in that a run of `component` by `options` over `share` is over, and what it leaves
+    /// behind.
+    void takeResults(KOR::IKorMaterialAnalysis& component, const Share& share, RunEnd end,
+                     const Options& options);
 
-    /// Returns what has become of each file in a run by `options`.
-    std::vector<FileReport> reports(KOR::IKorMaterialAnalysis& component, RunEnd end,
-                                    const Options& options) const;
+    /// Returns what has become of each file, once the results of every material have been taken.
+    std::vector<FileReport> reports() const;
 
     /// What was wrong with a file that could be used all the same.
     struct Warning {
@@ -60,6 +77,7 @@ private:
         Owned<KOR::IDmBaseObj> object;
         KOR::IDmBaseMedia* media;  ///< of `object`
         std::size_t firstFile;     ///< its index
+        FileReport report;         ///< of each of its files, which it does not name
     };
     struct File {
         std::string name;                     ///< as given
@@ -67,9 +85,7 @@ private:
         std::optional<std::size_t> material;  ///< its index
     };
 
-    std::size_t indexOfMaterial(std::string contentKey, Owned<KOR::IDmBaseObj> object);
-    std::vector<FileReport> reportsOfMaterials(KOR::IKorMaterialAnalysis& component, RunEnd end,
-                                               const Options& options) const;
+    std::size_t indexOfMaterial(OpenedFile file);
 
     std::vector<Material> materials_;
     std::vector<File> files_;

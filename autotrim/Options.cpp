@@ -57,6 +57,15 @@ double parseThreshold(const std::string& text) {
     return threshold;
 }
 
+std::size_t parseJobs(const std::string& text) {
+    const auto jobs = parseNumber<std::int64_t>(text, "a whole number");
+    if (jobs < 1 || jobs > static_cast<std::int64_t>(maxJobs)) {
+        throw std::invalid_argument("\"" + text + "\" is not between 1 and " +
+                                    std::to_string(maxJobs));
+    }
+    return static_cast<std::size_t>(jobs);
+}
+
 Kinds parseUsableKinds(const std::string& text) {
     Kinds kinds = parseKinds(text);
     const std::string reason = whyUnusable(kinds);
@@ -122,6 +131,10 @@ void addOptions(CLI::App& app, Options& options) {
            "--no-cache", [&options] { options.cacheRoot.clear(); },
            "Keep nothing, and take nothing that was kept")
         ->excludes(cache);
+    addOption(app, "--jobs", options.jobs, parseJobs,
+              "Analyse up to N files side by side, 1 to 64; each takes memory of its own (default: "
+              "the number of processor threads, at most 8)")
+        ->type_name("N");
     addOption(app, "--json", options.json, nonEmptyName,
               "Write all results as JSON to FILE; with - to the standard output, without tables")
         ->type_name("FILE|-");

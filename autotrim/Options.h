@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -26,12 +27,16 @@ struct Options {
     std::int32_t minLengthSeconds = 2;  ///< 0 or more
     double threshold = 3.0;             ///< finite, above 0
     std::filesystem::path cacheRoot;    ///< empty: nothing is kept, nor taken from what was
+    std::optional<std::size_t> jobs;    ///< 1 to maxJobs; unset: as many as help
     bool photos = false;                ///< whether photos are analysed, too
     std::optional<std::filesystem::path> faceModel;
     std::optional<std::string> json;  ///< a file's name, or jsonToStdout
     ProgressStyle progress = ProgressStyle::automatic;
     std::optional<std::filesystem::path> log;
 };
+
+/// The most runs side by side that can be asked for: each takes threads and memory of its own.
+constexpr std::size_t maxJobs = 64;
 
 /// The name that sends the JSON to the standard output.
 constexpr const char* jsonToStdout = "-";

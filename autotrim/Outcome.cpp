@@ -11,12 +11,11 @@ std::string whyFailed(const Traces& traces, RunEnd end) {
     return end == RunEnd::interrupted ? interruptedReason : "the analysis stopped before its end";
 }
 
-bool isLongVideo(const FileReport& report, std::int32_t minLengthSeconds) {
-    return report.type == MaterialType::video &&
-           report.duration > minLengthSeconds * KOR::ticksPerSecond;
-}
-
 }  // namespace
+
+bool isLong(std::int64_t durationTicks, std::int32_t minLengthSeconds) {
+    return durationTicks > minLengthSeconds * KOR::ticksPerSecond;
+}
 
 void decideOutcome(FileReport& report, const Traces& traces, RunEnd end,
                    std::int32_t minLengthSeconds) {
@@ -27,8 +26,9 @@ void decideOutcome(FileReport& report, const Traces& traces, RunEnd end,
     } else if (traces.analysed) {
         report.outcome = Outcome::analysed;
     } else {
-        report.outcome =
-            isLongVideo(report, minLengthSeconds) ? Outcome::restored : Outcome::byDefault;
+        const bool isLongVideo = report.type == MaterialType::video &&
+                                 isLong(report.duration.value_or(0), minLengthSeconds);
+        report.outcome = isLongVideo ? Outcome::restored : Outcome::byDefault;
     }
 }
 

@@ -28,6 +28,9 @@ struct Traces {
     std::string failure;  ///< of a task that ran on it; empty when none failed
 };
 
+/// Whether a video is long enough to be analysed.
+bool isLong(std::int64_t durationTicks, std::int32_t minLengthSeconds);
+
 /// Says how the material of `report`, whose type and duration are known, has fared: sets outcome
 /// and error, and drops the results of one that failed.
 ///

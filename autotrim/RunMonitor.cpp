@@ -22,7 +22,6 @@ KOR::Status RunMonitor::onTaskEvent(KOR::IDmBaseObj*, std::uint32_t category, st
 }
 
 void RunMonitor::interrupt() {
-    interruption_.request_stop();
     const std::lock_guard lock(mutex_);
     state_.interrupted = true;
     news_ = true;

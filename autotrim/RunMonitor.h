@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <mutex>
 #include <optional>
-#include <stop_token>
 
 #include "host/tasks.h"
 
@@ -33,9 +32,6 @@ public:
     /// Notes that the user wants the run to end. Any thread.
     void interrupt();
 
-    /// Is asked to stop by interrupt().
-    std::stop_token interruption() const { return interruption_.get_token(); }
-
     State state() const;
 
     /// Waits until an event comes, the user interrupts or `time` is over, and returns the state.
@@ -44,7 +40,6 @@ public:
 private:
     mutable std::mutex mutex_;
     std::condition_variable changed_;
-    std::stop_source interruption_;
     bool news_ = false;
     State state_;
 };

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
+#include <stop_token>
 #include <string>
 #include <system_error>
 #include <variant>
@@ -17,7 +18,6 @@
 #include "autotrim/Options.h"
 #include "autotrim/Output.h"
 #include "autotrim/ProgressDisplay.h"
-#include "autotrim/RunMonitor.h"
 #include "autotrim/Say.h"
 #include "autotrim/Session.h"
 #include "autotrim/Table.h"
@@ -86,9 +86,9 @@ int exitCodeOf(const Report& report) {
     return allDone ? exitAllDone : exitSomeFailed;
 }
 
-int analyseFiles(const Options& options) {
-    RunMonitor monitor;
-    InterruptWatch interruptWatch([&monitor] { monitor.interrupt(); });
+/// `interruption` is what an interrupt of the user requests.
+int analyseFiles(const Options& options, std::stop_source interruption) {
+    InterruptWatch interruptWatch([&interruption] { interruption.request_stop(); });
 
     if (options.log) reference_host::openLog(*options.log);
     if (options.faceModel && !takeFaceModel(*options.faceModel)) return exitWrongUse;
@@ -98,7 +98,7 @@ int analyseFiles(const Options& options) {
 
     const auto display = makeProgressDisplay(options.progress);
     interruptWatch.beginWork();
-    const Report report = analyse(options, monitor, *display);
+    const Report report = analyse(options, interruption.get_token(), *display);
     interruptWatch.endWork();
     if (jsonFile) jsonFile->write(toJson(report));
     if (jsonOnly) {
@@ -106,7 +106,7 @@ int analyseFiles(const Options& options) {
     } else {
         printTables(report);
     }
-    return monitor.state().interrupted ? exitInterrupted : exitCodeOf(report);
+    return interruption.stop_requested() ? exitInterrupted : exitCodeOf(report);
 }
 
 int run(const Options& options) {
@@ -119,7 +119,7 @@ int run(const Options& options) {
         say(options.log->string(), "the log would be overwritten by the results");
         return exitWrongUse;
     }
-    return analyseFiles(options);
+    return analyseFiles(options, std::stop_source());
 }
 
 int run(const CacheCommand& command) {

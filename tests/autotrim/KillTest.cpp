@@ -41,9 +41,10 @@ Phase phaseOf(const Ended& killed) {
 /// kept and reported in between against a run that nothing disturbs.
 class Killer {
 public:
-    Killer(std::vector<std::string> files, path cacheRoot)
+    Killer(std::vector<std::string> files, path cacheRoot, std::uint64_t jobs)
         : files_(std::move(files)),
           cacheRoot_(std::move(cacheRoot)),
+          jobs_(jobs),
           seed_(fromEnvironment("MATERIAL_ANALYSIS_SEED", std::random_device()())),
           random_(seed_) {}
 
@@ -64,8 +65,9 @@ private:
     using Kept = std::map<path, std::filesystem::file_time_type>;
 
     std::vector<std::string> arguments(const path& cacheRoot) const {
-        std::vector<std::string> all = {"--cache", cacheRoot.string(), "--json",
-                                        "-",       "--progress",       "machine"};
+        std::vector<std::string> all = {"--cache", cacheRoot.string(),   "--json",
+                                        "-",       "--progress",         "machine",
+                                        "--jobs",  std::to_string(jobs_)};
         all.insert(all.end(), files_.begin(), files_.end());
         return all;
     }
@@ -136,14 +138,14 @@ private:
         restoredAfterKills_ += finishedBefore;
     }
 
-    /// Each kill leaves one unfinished file at most, which goes with the rest.
+    /// Each kill leaves one unfinished file of each job at most, which goes with the rest.
     void clear() {
         std::size_t unfinished = 0;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(cacheRoot_)) {
             const path name = entry.path().filename();
             unfinished += entry.is_regular_file() && name != "facts.json" && name != "result.json";
         }
-        EXPECT_LE(unfinished, kills_);
+        EXPECT_LE(unfinished, kills_ * jobs_);
         litter_ += unfinished;
         run({"cache", "clear", "--cache", cacheRoot_.string()});
         EXPECT_TRUE(std::filesystem::is_empty(cacheRoot_));
@@ -151,6 +153,7 @@ private:
 
     std::vector<std::string> files_;
     path cacheRoot_;
+    std::uint64_t jobs_;
     std::uint64_t seed_;
     std::mt19937_64 random_;
     nanoseconds duration_{0};
@@ -164,9 +167,9 @@ private:
 
 /// Kills need moments in time: these are the only tests that wait by the clock. None depends on
 /// where a kill hits.
-using KilledProgram = CachedFootage;
+class KilledProgram : public CachedFootage, public testing::WithParamInterface<std::uint64_t> {};
 
-TEST_F(KilledProgram, LosesNoFinishedVideo) {
+TEST_P(KilledProgram, LosesNoFinishedVideo) {
     std::vector<std::string> files;
     for (const std::string clip : {"two.mp4", "short.mp4", "scenes.mp4", "photo.png"})
         files.push_back(copyOf(clip, clip).string());
@@ -177,8 +180,12 @@ TEST_F(KilledProgram, LosesNoFinishedVideo) {
             copy, std::filesystem::last_write_time(copy) + std::chrono::seconds(i));
         files.push_back(copy.string());
     }
-    Killer(files, cache()).killAndCompare(fromEnvironment("MATERIAL_ANALYSIS_KILLS", 8));
+    Killer(files, cache(), GetParam())
+        .killAndCompare(fromEnvironment("MATERIAL_ANALYSIS_KILLS", 8));
 }
+
+INSTANTIATE_TEST_SUITE_P(Jobs, KilledProgram, testing::Values(1, 3),
+                         testing::PrintToStringParamName());
 
 class KilledRealFootage : public RealFootage {
 protected:
@@ -192,7 +199,7 @@ TEST_F(KilledRealFootage, LosesNoFinishedVideo) {
     for (const path& video : videos())
         files.push_back(video.string());
     ASSERT_FALSE(files.empty());
-    Killer(files, cache_.path()).killAndCompare(kills);
+    Killer(files, cache_.path(), 2).killAndCompare(kills);
 }
 
 }  // namespace

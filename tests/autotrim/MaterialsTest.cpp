@@ -10,6 +10,15 @@ namespace {
 
 using std::filesystem::path;
 
+Materials opened(const std::vector<std::string>& files, const path& cacheRoot) {
+    std::vector<OpenedFile> opened;
+    for (const std::string& file : files) {
+        opened.push_back(openFile(file, cacheRoot, {}));
+        EXPECT_EQ(opened.back().error, "");
+    }
+    return Materials(std::move(opened));
+}
+
 /// A component that has given each of its materials one record.
 class OneRecordEach {
 public:
@@ -32,11 +41,11 @@ public:
     /// Returns what is then reported of `files`.
     std::vector<FileReport> reportsOf(const std::vector<std::string>& files, const path& cacheRoot,
                                       RunEnd end, const Options& options) {
-        Materials materials;
-        for (const std::string& file : files)
-            EXPECT_EQ(materials.open(file, cacheRoot, {}), "");
-        materials.insertInto(component_);
-        return materials.reports(component_, end, options);
+        Materials materials = opened(files, cacheRoot);
+        const Share all = dealOut(materials.work(options), 1).at(0);
+        materials.insertInto(component_, all);
+        materials.takeResults(component_, all, end, options);
+        return materials.reports();
     }
 
     std::size_t materials() const { return media_.size(); }
@@ -79,6 +88,34 @@ TEST(Materials, KeepTheRecordOfAPhotoThatAwaitsNothing) {
     const FileReport photo = interruptedPhoto(options);
     EXPECT_EQ(photo.outcome, Outcome::byDefault);
     EXPECT_EQ(photo.results.size(), 1U);
+}
+
+using Work = std::vector<std::int64_t>;
+
+TEST(Materials, AreWorkAsFarAsTheyAreAnalysed) {
+    const Materials materials = opened(
+        {AUTOTRIM_CLIPS "/two.mp4", AUTOTRIM_CLIPS "/photo.png", AUTOTRIM_CLIPS "/short.mp4"}, {});
+    Options options;
+    EXPECT_EQ(materials.work(options), (Work{10000, 0, 0}));
+    options.minLengthSeconds = 0;
+    EXPECT_EQ(materials.work(options), (Work{10000, 0, 5000}));
+    options.minLengthSeconds = 6;
+    options.photos = true;
+    EXPECT_EQ(materials.work(options), (Work{0, 4000, 0}));
+    options.kinds = {6, 5};
+    EXPECT_EQ(materials.work(options), (Work{0, 0, 0}));
+}
+
+TEST(Materials, OfFilesThatAreNoneAreNone) {
+    std::vector<OpenedFile> files;
+    files.push_back({"missing.mp4", "there is no such file", {}, nullptr});
+    const Materials materials(std::move(files));
+    EXPECT_EQ(materials.work({}), Work{});
+    const std::vector<FileReport> reports = materials.reports();
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].file, "missing.mp4");
+    EXPECT_EQ(reports[0].error, "there is no such file");
+    EXPECT_EQ(reports[0].outcome, Outcome::failed);
 }
 
 class MaterialsInACache : public CachedFootage {
@@ -137,8 +174,7 @@ TEST_F(MaterialsInACache, AreOneForFilesOfTheSameContent) {
 }
 
 TEST_F(MaterialsInACache, DoNotWaitForAPipeThatTheyFindThere) {
-    Materials materials;
-    ASSERT_EQ(materials.open(AUTOTRIM_CLIPS "/two.mp4", cache(), {}), "");
+    const Materials materials = opened({AUTOTRIM_CLIPS "/two.mp4"}, cache());
     FileReport analysed;
     analysed.type = MaterialType::video;
     analysed.outcome = Outcome::analysed;

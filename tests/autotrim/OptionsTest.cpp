@@ -52,6 +52,7 @@ TEST(Options, HaveTheDocumentedDefaults) {
     EXPECT_EQ(options.minLengthSeconds, 2);
     EXPECT_EQ(options.threshold, 3.0);
     EXPECT_EQ(options.progress, ProgressStyle::automatic);
+    EXPECT_FALSE(options.jobs);
     EXPECT_FALSE(options.photos);
     EXPECT_FALSE(options.faceModel);
     EXPECT_FALSE(options.json);
@@ -59,15 +60,33 @@ TEST(Options, HaveTheDocumentedDefaults) {
 }
 
 TEST(Options, TakeEveryOptionWithAValue) {
-    const Options options =
-        accepted({"--kinds", "6,1", "--min-scene", "0", "--min-length=5", "--threshold", "2.25",
-                  "--cache", "kept", "--json", "-", "--progress", "machine", "--log", "run.log",
-                  "--face-model", "faces.onnx", "a", "b"});
+    const Options options = accepted({"--kinds",
+                                      "6,1",
+                                      "--min-scene",
+                                      "0",
+                                      "--min-length=5",
+                                      "--threshold",
+                                      "2.25",
+                                      "--cache",
+                                      "kept",
+                                      "--jobs",
+                                      "3",
+                                      "--json",
+                                      "-",
+                                      "--progress",
+                                      "machine",
+                                      "--log",
+                                      "run.log",
+                                      "--face-model",
+                                      "faces.onnx",
+                                      "a",
+                                      "b"});
     EXPECT_EQ(options.kinds, (Kinds{6, 1}));
     EXPECT_EQ(options.minSceneSeconds, 0);
     EXPECT_EQ(options.minLengthSeconds, 5);
     EXPECT_EQ(options.threshold, 2.25);
     EXPECT_EQ(options.cacheRoot, "kept");
+    EXPECT_EQ(options.jobs, 3U);
     EXPECT_EQ(options.json, "-");
     EXPECT_EQ(options.progress, ProgressStyle::machine);
     EXPECT_EQ(options.log, "run.log");
@@ -134,8 +153,9 @@ TEST(Options, RefuseUnknownOptions) {
 }
 
 TEST(Options, RefuseOptionsGivenTwice) {
-    for (const std::string option : {"--kinds", "--min-scene", "--min-length", "--threshold",
-                                     "--face-model", "--cache", "--json", "--progress", "--log"}) {
+    for (const std::string option :
+         {"--kinds", "--min-scene", "--min-length", "--threshold", "--face-model", "--cache",
+          "--jobs", "--json", "--progress", "--log"}) {
         EXPECT_EQ(refusal({option, "1", option + "=2", "a"}), option + ": given more than once");
     }
 }
@@ -158,6 +178,20 @@ TEST(Options, RefuseSecondsOutOfRange) {
     EXPECT_EQ(refusal({"--min-length", "2147483648", "a"}),
               "--min-length: \"2147483648\" is out of range");
     EXPECT_EQ(refusal({"--min-length", "-1", "a"}), "--min-length: \"-1\" is negative");
+}
+
+TEST(Options, RefuseNumbersOfJobsThatAreNone) {
+    EXPECT_EQ(accepted({"--jobs", "1", "a"}).jobs, 1U);
+    EXPECT_EQ(accepted({"--jobs", "64", "a"}).jobs, maxJobs);
+    for (const std::string text : {"0", "-1", "65", "100000"}) {
+        EXPECT_EQ(refusal({"--jobs", text, "a"}),
+                  "--jobs: \"" + text + "\" is not between 1 and 64");
+    }
+    for (const std::string text : {"", "abc", "2.0", "+2", " 2", "2x", "0x2"}) {
+        EXPECT_EQ(refusal({"--jobs", text, "a"}), "--jobs: \"" + text + "\" is not a whole number");
+    }
+    EXPECT_EQ(refusal({"--jobs", "99999999999999999999", "a"}),
+              "--jobs: \"99999999999999999999\" is out of range");
 }
 
 TEST(Options, RefuseThresholdsThatAreNotFinite) {
@@ -191,8 +225,9 @@ TEST(Options, RefuseEmptyNames) {
 }
 
 TEST(Options, RefuseAnEqualsSignWithoutAValue) {
-    for (const std::string option : {"--kinds", "--min-scene", "--min-length", "--threshold",
-                                     "--face-model", "--cache", "--json", "--progress", "--log"}) {
+    for (const std::string option :
+         {"--kinds", "--min-scene", "--min-length", "--threshold", "--face-model", "--cache",
+          "--jobs", "--json", "--progress", "--log"}) {
         EXPECT_EQ(refusal({option + "=", "a", "b"}), option + ": no value follows the \"=\"");
     }
     EXPECT_EQ(accepted({"--json=a=", "b"}).json, "a=");

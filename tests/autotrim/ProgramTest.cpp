@@ -354,8 +354,8 @@ class InterruptedProgram : public testing::TestWithParam<int> {};
 
 TEST_P(InterruptedProgram, KeepsWhatWasFinished) {
     const TemporaryDirectory cache;
-    Process process({"--json", "-", "--progress", "machine", "--cache", cache.path().string(),
-                     "two.mp4", "long.mp4", "photo.png"});
+    Process process({"--json", "-", "--progress", "machine", "--jobs", "1", "--cache",
+                     cache.path().string(), "two.mp4", "long.mp4", "photo.png"});
     std::string line = process.readErrorLine();
     while (!line.empty() && Json::parse(line)["file"] != "long.mp4")
         line = process.readErrorLine();

@@ -45,6 +45,24 @@ TEST_F(RealFootage, EndsWellForEveryVideo) {
     }
 }
 
+TEST_F(RealFootage, IsReportedAlikeByAnyNumberOfJobs) {
+    const auto reportBy = [this](const char* jobs) {
+        std::vector<std::string> arguments = {"--no-cache", "--json", "-", "--jobs", jobs};
+        for (const path& video : videos()) {
+            arguments.push_back(video.string());
+            arguments.push_back(video.string() + ".missing");
+        }
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.exitCode, exitSomeFailed);
+        EXPECT_EQ(ended.errorLines().size(), videos().size()) << ended.errors;
+        return ended.output;
+    };
+    const std::string one = reportBy("1");
+    EXPECT_EQ(Json::parse(one)["materials"].size(), 2 * videos().size());
+    EXPECT_EQ(reportBy("2"), one);
+    EXPECT_EQ(reportBy("5"), one);
+}
+
 TEST_F(RealFootage, FindsTheOneFaceOfEachSigner) {
     for (const char* name :
          {"again", "book", "eat", "hungry", "milk", "no", "school", "sorry", "thanks", "want"}) {

@@ -262,8 +262,9 @@ TEST_F(Restore, IsNotTriedWithoutACache) {
 }
 
 TEST_F(Restore, ReportsNothingOddAsProgress) {
-    const std::vector<std::string> arguments = {
-        "--cache", cache().string(), "--progress", "machine", "two.mp4", "scenes.mp4", "missing"};
+    const std::vector<std::string> arguments = {"--cache", cache().string(), "--jobs",
+                                                "1",       "--progress",     "machine",
+                                                "two.mp4", "scenes.mp4",     "missing"};
     run(arguments);
     EXPECT_EQ(run(arguments).errorLines(),
               (std::vector<std::string>{"autotrim: missing: there is no such file",
@@ -319,8 +320,8 @@ TEST_F(SameContent, IsAnalysedOnceWithoutACache) {
 
 TEST_F(SameContent, IsNamedOnceInTheProgress) {
     std::vector<std::string> arguments = names();
-    arguments.insert(arguments.begin(), {"--cache", cache().string(), "--progress", "machine",
-                                         "scenes.mp4", "scenes.mp4"});
+    arguments.insert(arguments.begin(), {"--cache", cache().string(), "--jobs", "1", "--progress",
+                                         "machine", "scenes.mp4", "scenes.mp4"});
     std::vector<std::string> named;
     for (const std::string& line : run(arguments).errorLines()) {
         const std::string name = Json::parse(line)["file"];

@@ -31,9 +31,9 @@ TEST_F(Session, KeepsNoResultOfAVideoThatFailed) {
     Options options;
     options.files = {clip.string(), copyOf("scenes.mp4", "scenes.mp4").string()};
     options.cacheRoot = cache();
-    RunMonitor monitor;
+    options.jobs = 1;
     Thief thief(clip);
-    const Report report = autotrim::analyse(options, monitor, thief);
+    const Report report = autotrim::analyse(options, {}, thief);
     EXPECT_EQ(report.files.at(0).outcome, Outcome::failed);
     EXPECT_EQ(report.files.at(0).error, "there is no such file");
     EXPECT_EQ(report.files.at(1).outcome, Outcome::analysed);
