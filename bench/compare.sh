@@ -85,8 +85,9 @@ if [[ $copies == yes ]]; then
     if ((${#candidates[@]})); then
         truth=${candidates[0]}
         seconds=40
-        "$root/bench/make_copies.sh" "${truth%.truth.json}.mp4" "$seconds" "$directory/copies" || complete=no
-        measuring+=(--copies "$directory/copies" --copied "$truth" --copied-seconds "$seconds")
+        made=$directory/copies/$(basename "${sets[0]}")/$(basename "$truth" .truth.json)
+        "$root/bench/make_copies.sh" "${truth%.truth.json}.mp4" "$seconds" "$made" || complete=no
+        measuring+=(--copies "$made" --copied "$truth" --copied-seconds "$seconds")
     else
         echo "compare.sh: no copies: ${sets[0]} has no labelled video of 720 lines" >&2
         complete=no

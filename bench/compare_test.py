@@ -87,6 +87,12 @@ class Labels(unittest.TestCase):
         self.assertEqual([label['frame_end'] for label in shown['boundaries']], [20])
         self.assertEqual([label['frame_end'] for label in shown['distractors']], [40])
 
+    def test_of_a_copy_end_before_one_that_begins_with_what_is_cut_off(self):
+        self.assertEqual(self.shown(seconds=4.4)['frames'], 90)
+        shown = self.shown(seconds=6)
+        self.assertEqual(shown['frames'], 150)
+        self.assertEqual([label['frame_end'] for label in shown['boundaries']], [20, 110])
+
     def test_of_a_copy_of_all_are_all(self):
         self.assertEqual(self.shown(seconds=100)['frames'], 200)
 

@@ -1,12 +1,9 @@
 // The host's scene detection by itself: one file, one task, no component.
 
-#include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <exception>
 #include <iostream>
-#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -15,6 +12,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include "bench/RunWatch.h"
 #include "host/lists.h"
 #include "host/media.h"
 #include "host/tasks.h"
@@ -26,79 +24,8 @@ namespace {
 using reference_host_tests::hold;
 using reference_host_tests::Holder;
 
+using bench::Course;
 using Clock = std::chrono::steady_clock;
-
-double secondsBetween(Clock::time_point begin, Clock::time_point end) {
-    return std::chrono::duration<double>(end - begin).count();
-}
-
-/// What a run has told of how far it is.
-struct Course {
-    int progressEvents = 0;
-    std::int32_t highest = 0;
-    bool wentBackwards = false;
-    /// The longest time without a higher percentage than any before, from the start to the end.
-    double longestStandstill = 0;
-    double seconds = 0;
-    /// Why it failed, where it did.
-    std::optional<std::string> failure;
-};
-
-/// Watches one run of a task, from its own making on.
-class RunWatch final : public KOR::IKorCallBack {
-public:
-    KOR::Status onReserved() override { return KOR::statusOk; }
-
-    KOR::Status onTaskEvent(KOR::IDmBaseObj*, std::uint32_t, std::uint32_t event,
-                            void* payload) override {
-        const Clock::time_point now = Clock::now();
-        const auto* const values = static_cast<const KOR::TaskEventPayload*>(payload);
-        const std::scoped_lock lock(mutex_);
-        if (event == KOR::taskEventProgress && values != nullptr)
-            noteProgress(values->progress, now);
-        if (event == KOR::taskEventFailed)
-            course_.failure = values == nullptr ? "" : values->reason;
-        if (event == KOR::taskEventFinished) noteEnd(now);
-        return KOR::statusOk;
-    }
-
-    Course waitForEnd() {
-        std::unique_lock lock(mutex_);
-        ended_.wait(lock, [this] { return isOver_; });
-        return course_;
-    }
-
-private:
-    void noteProgress(std::int32_t percent, Clock::time_point now) {
-        ++course_.progressEvents;
-        course_.wentBackwards = course_.wentBackwards || percent < last_;
-        last_ = percent;
-        if (percent <= course_.highest) return;
-        course_.highest = percent;
-        noteMove(now);
-    }
-
-    void noteEnd(Clock::time_point now) {
-        noteMove(now);
-        course_.seconds = secondsBetween(begin_, now);
-        isOver_ = true;
-        ended_.notify_all();
-    }
-
-    void noteMove(Clock::time_point now) {
-        course_.longestStandstill =
-            std::max(course_.longestStandstill, secondsBetween(movedAt_, now));
-        movedAt_ = now;
-    }
-
-    const Clock::time_point begin_ = Clock::now();
-    std::mutex mutex_;
-    std::condition_variable ended_;
-    Clock::time_point movedAt_ = begin_;
-    std::int32_t last_ = 0;
-    bool isOver_ = false;
-    Course course_;
-};
 
 Holder<KOR::IDmBaseObj> import(const std::string& file) {
     const reference_host::ImportedMaterial imported = reference_host::importMaterial(file, {});
@@ -131,10 +58,10 @@ void setThreshold(KOR::IBsMediaAnalysisTask& analysis, double threshold) {
 }
 
 Course runToEnd(KOR::IKorBaseTask& task) {
-    RunWatch watch;
+    bench::RunWatch watch;
     task.addCallBack(&watch);
     if (task.start() != KOR::statusOk) throw std::runtime_error("the task did not start");
-    const Course course = watch.waitForEnd();
+    Course course = watch.waitForEnd();
     task.removeCallBack(&watch);
     if (course.failure) throw std::runtime_error(*course.failure);
     return course;
@@ -187,7 +114,7 @@ int run(int argc, char** argv) {
 
     const Clock::time_point begin = Clock::now();
     const Holder<KOR::IDmBaseObj> material = import(file);
-    const double importSeconds = secondsBetween(begin, Clock::now());
+    const double importSeconds = std::chrono::duration<double>(Clock::now() - begin).count();
 
     const Holder<KOR::IKorBaseTask> task = makeSceneTask();
     KOR::IBsMediaAnalysisTask& analysis = analysisOf(task);
