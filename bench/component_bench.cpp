@@ -16,18 +16,20 @@ namespace {
 
 constexpr std::int64_t second = KOR::ticksPerSecond;
 
-/// A component with `count` entries of one material, on a host that records nothing. Log lines are
-/// composed and then dropped.
+/// A component with `count` entries, which are the given materials in turn, on a host that records
+/// nothing. Log lines are composed and then dropped.
 class Setting {
 public:
-    Setting(const MediaSpec& spec, std::int64_t count, const std::vector<std::int32_t>& kindCodes) {
+    Setting(const std::vector<MediaSpec>& specs, std::int64_t count,
+            const std::vector<std::int32_t>& kindCodes) {
         host().reset();
         host().recording = false;
         component_.reset(createMaterialAnalysis());
-        material_.reset(new FakeMedia(spec));
+        for (const MediaSpec& spec : specs)
+            materials_.emplace_back(new FakeMedia(spec));
         const Owned<KOR::IKORVoidPtrList> materials(createKORVoidPtrList());
         for (std::int64_t i = 0; i < count; ++i)
-            materials->append(asElement(*material_));
+            materials->append(asElement(*materials_[static_cast<std::size_t>(i) % specs.size()]));
         component_->insertMaterials(materials.get(), 0);
         const Owned<KOR::IKORIntList> kinds(createKORIntList());
         for (const std::int32_t kind : kindCodes)
@@ -37,10 +39,10 @@ public:
 
     KOR::IKorMaterialAnalysis& component() { return *component_; }
     KOR::ComponentProbe probe() { return KOR::ComponentProbe(*component_); }
-    FakeMedia& material() { return *material_; }
+    FakeMedia& firstMaterial() { return *materials_.front(); }
 
 private:
-    Owned<FakeMedia> material_;
+    std::vector<Owned<FakeMedia>> materials_;
     Owned<KOR::IKorMaterialAnalysis> component_;
 };
 
@@ -52,7 +54,7 @@ void reportTimeEach(benchmark::State& state, const char* name, std::int64_t coun
 }
 
 void RunOverPhotos(benchmark::State& state) {
-    Setting setting(photo("photo.jpg"), state.range(0), {4, 3});
+    Setting setting({photo("photo.jpg")}, state.range(0), {4, 3});
     for (auto _ : state)
         setting.component().start();
     state.SetComplexityN(state.range(0));
@@ -61,7 +63,7 @@ void RunOverPhotos(benchmark::State& state) {
 BENCHMARK(RunOverPhotos)->Arg(10)->Arg(1000)->Arg(100000)->Complexity();
 
 void RunOverVideos(benchmark::State& state) {
-    Setting setting(video("clip.mp4", 100 * second).keyFrames({5 * second}), state.range(0),
+    Setting setting({video("clip.mp4", 100 * second).keyFrames({5 * second})}, state.range(0),
                     {4, 3});
     host().tasksFinishInsideStart = true;
     for (auto _ : state)
@@ -69,10 +71,21 @@ void RunOverVideos(benchmark::State& state) {
     state.SetComplexityN(state.range(0));
     reportTimeEach(state, "each video", state.range(0));
 }
-BENCHMARK(RunOverVideos)->Arg(10)->Arg(1000)->Arg(10000)->Complexity();
+BENCHMARK(RunOverVideos)->Arg(10)->Arg(1000)->Arg(100000)->Complexity();
+
+void RunOverPhotosAndVideos(benchmark::State& state) {
+    Setting setting({photo("photo.jpg"), video("clip.mp4", 100 * second).keyFrames({5 * second})},
+                    state.range(0), {4, 3});
+    host().tasksFinishInsideStart = true;
+    for (auto _ : state)
+        setting.component().start();
+    state.SetComplexityN(state.range(0));
+    reportTimeEach(state, "each material", state.range(0));
+}
+BENCHMARK(RunOverPhotosAndVideos)->Arg(10)->Arg(1000)->Arg(100000)->Complexity();
 
 void ProgressEvent(benchmark::State& state) {
-    Setting setting(video("clip.mp4", 100 * second), state.range(0), {4, 3});
+    Setting setting({video("clip.mp4", 100 * second)}, state.range(0), {4, 3});
     setting.component().start();
     KOR::TaskEventPayload payload{};
     payload.progress = 50;
@@ -95,26 +108,29 @@ MediaSpec footage(std::int64_t scenes, std::int64_t keyFrames) {
     return spec;
 }
 
-void KeyFrameIntake(benchmark::State& state) {
-    Setting setting(footage(state.range(0), state.range(1)), 1, {6});
+void Intake(benchmark::State& state) {
+    Setting setting({footage(state.range(0), state.range(1))}, 1, {6});
     FakeTask& task = host().task(0);
-    task.setSource(&setting.material(), 0, 0);
+    task.setSource(&setting.firstMaterial(), 0, 0);
     setting.probe().moveTo(0, 0);
-    setting.probe().scenceDetectFinished(&task);
-    for (auto _ : state)
+    for (auto _ : state) {
+        setting.probe().scenceDetectFinished(&task);
         setting.probe().keyFrameDetectFinishedInternal(&task);
+    }
+    state.SetComplexityN(state.range(1));
     reportTimeEach(state, "each keyframe", state.range(1));
 }
-BENCHMARK(KeyFrameIntake)
+BENCHMARK(Intake)
     ->Args({50, 500})
     ->Args({500, 5000})
     ->Args({5000, 50000})
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity();
 
 void Ranking(benchmark::State& state) {
-    Setting setting(footage(state.range(0), state.range(1)), 1, {6});
+    Setting setting({footage(state.range(0), state.range(1))}, 1, {6});
     FakeTask& task = host().task(0);
-    task.setSource(&setting.material(), 0, 0);
+    task.setSource(&setting.firstMaterial(), 0, 0);
     setting.probe().moveTo(0, 0);
     setting.probe().scenceDetectFinished(&task);
     setting.probe().keyFrameDetectFinishedInternal(&task);
@@ -129,9 +145,15 @@ void Ranking(benchmark::State& state) {
         state.ResumeTiming();
         setting.probe().rankScenceScores();
     }
+    state.SetComplexityN(state.range(1));
     reportTimeEach(state, "each keyframe", state.range(1));
 }
-BENCHMARK(Ranking)->Args({500, 5000})->Args({5000, 50000})->Unit(benchmark::kMicrosecond);
+BENCHMARK(Ranking)
+    ->Args({50, 500})
+    ->Args({500, 5000})
+    ->Args({5000, 50000})
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 }  // namespace
 }  // namespace fake_host
