@@ -204,6 +204,15 @@ TEST(PictureTask, MeasuresTheEntropyOfFullRangeExactly) {
     EXPECT_NEAR(bitsIn("a.png", "256x4", "gray", "X", png), 8.0, 1e-9);
 }
 
+TEST(PictureTask, CountsThePixelsOfAllColumns) {
+    for (const int width : {1, 2, 3, 4, 5, 6, 7, 8, 9}) {
+        SCOPED_TRACE(width);
+        const double bits =
+            bitsIn("a.png", std::to_string(width) + "x3", "gray", "10*X", "-pix_fmt gray");
+        EXPECT_NEAR(bits, std::log2(width), 1e-9);
+    }
+}
+
 TEST(PictureTask, MeasuresTheEntropyOfOtherFormatsClosely) {
     EXPECT_NEAR(bitsIn("a.mkv", "1024x4", "gray10", "X", "-c:v ffv1"), 8.0, 0.01);
     EXPECT_NEAR(bitsIn("a.mkv", "256x4", "yuv422p", "X", "-c:v ffv1 -color_range pc"), 8.0, 0.01);
