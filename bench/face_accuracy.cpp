@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <ctime>
 #include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -24,13 +26,14 @@ struct Tally {
     int pictures = 0;
     int withFace = 0;
     std::size_t faces = 0;
-    double cpuMs = 0;
+    /// For each picture.
+    std::vector<double> cpuMs;
 
     void add(const Tally& other) {
         pictures += other.pictures;
         withFace += other.withFace;
         faces += other.faces;
-        cpuMs += other.cpuMs;
+        cpuMs.insert(cpuMs.end(), other.cpuMs.begin(), other.cpuMs.end());
     }
 };
 
@@ -52,14 +55,23 @@ Tally tallyOf(const std::filesystem::path& file, double picturesPerSecond, FaceD
         if (!reader.read(position, picture)) continue;
         const double begin = cpuMsSoFar();
         const std::size_t faces = detector.detect(picture).size();
-        tally.add({1, faces > 0 ? 1 : 0, faces, cpuMsSoFar() - begin});
+        tally.add({1, faces > 0 ? 1 : 0, faces, {cpuMsSoFar() - begin}});
     }
+}
+
+double medianOf(std::vector<double> values) {
+    if (values.empty()) return 0;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 void print(const std::string& name, const Tally& tally) {
     const double pictures = tally.pictures;
-    fmt::print("{:<44}{:>9}{:>11.3f}{:>7}{:>9.1f}\n", name, tally.pictures,
-               tally.withFace / pictures, tally.faces, tally.cpuMs / pictures);
+    fmt::print("{:<44}{:>9}{:>11.3f}{:>7}{:>9.1f}{:>9.1f}\n", name, tally.pictures,
+               tally.withFace / pictures, tally.faces,
+               std::accumulate(tally.cpuMs.begin(), tally.cpuMs.end(), 0.0) / pictures,
+               medianOf(tally.cpuMs));
 }
 
 Tally measure(const std::vector<std::string>& files, double picturesPerSecond,
@@ -94,7 +106,8 @@ int run(int argc, char** argv) {
     const std::unique_ptr<FaceDetector> detector =
         model.empty() ? reference_host::vision::makeFaceDetector()
                       : reference_host::vision::makeFaceDetector(model);
-    fmt::print("{:<44}{:>9}{:>11}{:>7}{:>9}\n", "", "pictures", "with face", "faces", "CPU ms");
+    fmt::print("{:<44}{:>9}{:>11}{:>7}{:>9}{:>9}\n", "", "pictures", "with face", "faces", "CPU ms",
+               "median");
     const Tally total = measure(files, picturesPerSecond, *detector);
     print("total", total);
     if (total.pictures == 0) return 1;

@@ -47,6 +47,12 @@ public:
     /// otherwise as the file of a photo says in a place that FFmpeg does not read.
     Orientation orientationOf(const AVFrame& frame) const;
 
+    /// How many pixels a frame has, as far as the container tells; 0 where it does not.
+    std::int64_t framePixels() const {
+        const AVCodecParameters& codec = *container_.video().codecpar;
+        return std::int64_t{codec.width} * codec.height;
+    }
+
     const FrameClock& clock() const { return clock_; }
     const Decoder& decoder() const { return decoder_; }
 

@@ -50,6 +50,8 @@ public:
                            reader_->orientationOf(*shown_.frame), picture);
     }
 
+    std::int64_t framePixels() const { return reader_->framePixels(); }
+
     Effort effort() const {
         Effort effort = earlier_;
         effort.packets += reader_->packetsRead();
@@ -234,6 +236,10 @@ PositionReader::~PositionReader() = default;
 
 bool PositionReader::read(std::int64_t positionTicks, vision::Picture& picture) {
     return stream_->read(positionTicks, picture);
+}
+
+std::int64_t PositionReader::framePixels() const {
+    return stream_->framePixels();
 }
 
 PositionReader::Effort PositionReader::effort() const {

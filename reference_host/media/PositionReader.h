@@ -30,6 +30,10 @@ public:
     /// nothing.
     bool read(std::int64_t positionTicks, vision::Picture& picture);
 
+    /// How many pixels a frame has, as far as the file tells before one is decoded; 0 where it does
+    /// not.
+    std::int64_t framePixels() const;
+
     /// What reading has taken so far.
     struct Effort {
         /// How often reading went on from another place of the file.

@@ -11,7 +11,7 @@
 namespace reference_host {
 
 /// Lends face detectors to runs: making one takes longer than looking at a picture, and one serves
-/// a single run at a time. Any thread.
+/// a single thread at a time. Any thread.
 class FaceDetectors {
 public:
     static FaceDetectors& instance();

@@ -1,15 +1,31 @@
 #include "reference_host/tasks/analysePictures.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <numeric>
+#include <stop_token>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include "reference_host/media/PositionReader.h"
 #include "reference_host/tasks/FaceDetectors.h"
+#include "reference_host/tasks/inParallel.h"
 #include "reference_host/vision/measures.h"
 
 namespace reference_host {
 namespace {
+
+/// Each part holds a decoder and a detector of its own, which are tens of megabytes for 4K.
+constexpr std::size_t maxParts = 4;
+
+/// To begin a part, a file is opened, and decoded from the key frame before its first picture on:
+/// for fewer pictures that takes longer than they do.
+constexpr std::size_t leastPicturesOfAPart = 8;
+
+/// Beyond 4K, memory counts for more than speed.
+constexpr std::int64_t maxPixelsForParts = std::int64_t{4096} * 2304;
 
 std::vector<std::int64_t> positionsOf(const AnalysisRequest& request) {
     if (request.footage->facts().isVideo) return request.positionsTicks;
@@ -55,29 +71,94 @@ void take(const vision::Picture& picture, std::size_t index, vision::FaceDetecto
     if (!results.blurs.empty()) results.blurs[index].sharpness = vision::sharpness(picture);
 }
 
+/// Returns in how many parts `pictures` pictures are looked at at once. `reader` is one of them.
+std::size_t partsFor(std::size_t pictures, const media::FootageFacts& facts,
+                     const media::PositionReader& reader) {
+    if (reader.framePixels() > maxPixelsForParts) return 1;
+    return std::max<std::size_t>(
+        1, std::min({std::size_t{std::thread::hardware_concurrency()}, maxParts,
+                     pictures / leastPicturesOfAPart, facts.keyTimestamps.size()}));
+}
+
+/// One run over the pictures of a footage.
+class PictureRun {
+public:
+    PictureRun(const AnalysisRequest& request, std::vector<std::int64_t> positions,
+               AnalysisResults& results)
+        : request_(request),
+          positions_(std::move(positions)),
+          order_(inFootageOrder(positions_)),
+          results_(results) {
+        makeRoom(request_, positions_, results_);
+    }
+
+    void finish(const std::stop_token& stop, ProgressMeter& progress) {
+        const std::stop_callback passOn(stop, [this] { end_.request_stop(); });
+        auto first = openReader();
+        const std::size_t parts = partsFor(order_.size(), request_.footage->facts(), *first);
+        faceCounts_.resize(parts);
+        inParallel(
+            parts, end_,
+            [&](std::size_t part, const std::function<void()>& step) {
+                const auto own = part == 0 ? std::move(first) : openReader();
+                look(part, *own, step);
+            },
+            [&](std::size_t done) {
+                progress.report(static_cast<std::int32_t>(done * 100 / order_.size()));
+            });
+        if (request_.wantsFaces && !stop.stop_requested()) noteFaces();
+    }
+
+private:
+    std::unique_ptr<media::PositionReader> openReader() const {
+        const Footage& footage = *request_.footage;
+        return std::make_unique<media::PositionReader>(footage.file(), footage.facts(),
+                                                       end_.get_token());
+    }
+
+    /// Looks at the pictures of one part: as many as of the others, which follow each other in the
+    /// footage. Several parts at once: each writes to the places of its own pictures only.
+    void look(std::size_t part, media::PositionReader& reader, const std::function<void()>& step) {
+        const auto detector = request_.wantsFaces ? FaceDetectors::instance().borrow() : nullptr;
+        const std::size_t parts = faceCounts_.size();
+        const std::size_t end = order_.size() * (part + 1) / parts;
+        vision::Picture picture;
+        for (std::size_t at = order_.size() * part / parts; at < end; ++at) {
+            if (end_.stop_requested()) return;
+            const std::size_t i = order_[at];
+            if (reader.read(positions_[i], picture)) {
+                take(picture, i, detector.get(), results_);
+                if (detector) faceCounts_[part][positions_[i]] = results_.faces[i].faceCount;
+            }
+            step();
+        }
+    }
+
+    void noteFaces() {
+        Footage::FaceCounts all;
+        for (Footage::FaceCounts& ofPart : faceCounts_)
+            all.merge(ofPart);
+        request_.footage->noteFaces(std::move(all));
+    }
+
+    const AnalysisRequest& request_;
+    const std::vector<std::int64_t> positions_;
+    /// Indexes of positions_.
+    const std::vector<std::size_t> order_;
+    AnalysisResults& results_;
+    /// Asked to stop with the run, and where a part fails.
+    std::stop_source end_;
+    /// One for each part.
+    std::vector<Footage::FaceCounts> faceCounts_;
+};
+
 }  // namespace
 
 void analysePictures(const AnalysisRequest& request, const std::stop_token& stop,
                      ProgressMeter& progress, AnalysisResults& results) {
-    const std::vector<std::int64_t> positions = positionsOf(request);
-    makeRoom(request, positions, results);
+    std::vector<std::int64_t> positions = positionsOf(request);
     if (positions.empty()) return;
-
-    Footage& footage = *request.footage;
-    media::PositionReader reader(footage.file(), footage.facts(), stop);
-    const auto detector = request.wantsFaces ? FaceDetectors::instance().borrow() : nullptr;
-    vision::Picture picture;
-    Footage::FaceCounts faceCounts;
-    std::size_t done = 0;
-    for (const std::size_t i : inFootageOrder(positions)) {
-        if (stop.stop_requested()) return;
-        if (reader.read(positions[i], picture)) {
-            take(picture, i, detector.get(), results);
-            if (detector) faceCounts[positions[i]] = results.faces[i].faceCount;
-        }
-        progress.report(static_cast<std::int32_t>(++done * 100 / positions.size()));
-    }
-    if (detector) footage.noteFaces(std::move(faceCounts));
+    PictureRun(request, std::move(positions), results).finish(stop, progress);
 }
 
 }  // namespace reference_host

@@ -9,7 +9,7 @@
 namespace reference_host {
 
 /// Looks at the pictures at the positions that `request` names, or at the one of a photo, for all
-/// that it wants of them, and fills that in. As analyse().
+/// that it wants of them, and fills that in: several at once, where they are many. As analyse().
 void analysePictures(const AnalysisRequest& request, const std::stop_token& stop,
                      ProgressMeter& progress, AnalysisResults& results);
 

@@ -1,10 +1,13 @@
 #include "reference_host/vision/CascadeFaces.h"
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
+
+#include <opencv2/objdetect.hpp>
 
 namespace reference_host::vision {
 namespace {
@@ -13,6 +16,10 @@ namespace fs = std::filesystem;
 
 /// From one size that is looked for to the next: larger steps save time and lose faces.
 constexpr double sizeStep = 1.1;
+
+/// How much the sides of neighbouring windows may differ, in parts of their length: OpenCV's own
+/// measure.
+constexpr double likeness = 0.2;
 
 std::vector<fs::path> sharedDirectories() {
     std::vector<fs::path> directories;
@@ -40,27 +47,28 @@ fs::path installedCascade(const std::string& name) {
                              " is not installed; the package opencv-data holds it");
 }
 
-bool load(cv::CascadeClassifier& cascade, const fs::path& file) try {
-    return cascade.load(file.string());
-} catch (const cv::Exception&) {
-    return false;
+LbpCascade load(const std::string& name) {
+    const fs::path file = installedCascade(name);
+    try {
+        return LbpCascade(file);
+    } catch (const std::exception&) {
+        // Whatever is wrong with its content, the remedy is the same.
+    }
+    throw std::runtime_error(file.string() +
+                             " is no cascade; the package opencv-data holds the right one");
 }
 
 }  // namespace
 
-CascadeFaces::CascadeFaces(const std::string& name) {
-    const fs::path file = installedCascade(name);
-    if (!load(cascade_, file))
-        throw std::runtime_error(file.string() +
-                                 " is no cascade; the package opencv-data holds the right one");
-}
+CascadeFaces::CascadeFaces(const std::string& name) : cascade_(load(name)) {}
 
-std::vector<Box> CascadeFaces::find(const cv::Mat& picture, int smallestPx, int neighbours) {
-    std::vector<cv::Rect> places;
-    cascade_.detectMultiScale(picture, places, sizeStep, neighbours, 0, {smallestPx, smallestPx});
+std::vector<Box> CascadeFaces::find(const cv::Mat& picture, int smallestPx, int neighbours) const {
+    std::vector<cv::Rect> places = cascade_.windows(picture, sizeStep, smallestPx);
+    cv::groupRectangles(places, neighbours, likeness);
+    const cv::Rect inside(cv::Point(), picture.size());
     std::vector<Box> boxes;
     for (const cv::Rect& place : places) {
-        const cv::Rect_<double> box(place);
+        const cv::Rect_<double> box(place & inside);
         boxes.push_back({box.x, box.y, box.width, box.height});
     }
     return boxes;

@@ -3,9 +3,10 @@
 #include <string>
 #include <vector>
 
-#include <opencv2/objdetect.hpp>
+#include <opencv2/core.hpp>
 
 #include "reference_host/vision/FaceBoxes.h"
+#include "reference_host/vision/LbpCascade.h"
 
 namespace reference_host::vision {
 
@@ -19,10 +20,10 @@ public:
 
     /// Returns the places in `picture` (one channel of 8 bits) that look like a face of
     /// `smallestPx` and more across to more than `neighbours` neighbouring windows.
-    std::vector<Box> find(const cv::Mat& picture, int smallestPx, int neighbours);
+    std::vector<Box> find(const cv::Mat& picture, int smallestPx, int neighbours) const;
 
 private:
-    cv::CascadeClassifier cascade_;
+    LbpCascade cascade_;
 };
 
 }  // namespace reference_host::vision

@@ -8,14 +8,28 @@
 namespace reference_host::vision {
 
 struct HogFaces::Model {
-    dlib::frontal_face_detector detector = dlib::get_frontal_face_detector();
+    dlib::frontal_face_detector detector;
 };
 
-HogFaces::HogFaces() : model_(std::make_unique<Model>()) {}
+namespace {
+
+/// The model as it comes out of dlib, to be copied: a detector changes while it looks, and copying
+/// it takes a thousandth of the time. Never destroyed: while the process ends, a run may still be
+/// on its way to copy it.
+const dlib::frontal_face_detector& unpackedModel() {
+    static const auto& model =
+        *new const dlib::frontal_face_detector(dlib::get_frontal_face_detector());
+    return model;
+}
+
+}  // namespace
+
+HogFaces::HogFaces() = default;
 
 HogFaces::~HogFaces() = default;
 
 std::vector<Find> HogFaces::find(const cv::Mat& picture, double lowestScore) {
+    if (!model_) model_.reset(new Model{unpackedModel()});
     std::vector<std::pair<double, dlib::rectangle>> places;
     model_->detector(dlib::cv_image<unsigned char>(picture), places, lowestScore);
     std::vector<Find> finds;

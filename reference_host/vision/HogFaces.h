@@ -11,10 +11,9 @@ namespace reference_host::vision {
 
 /// Finds faces by the directions of their edges, with the detector that dlib brings along: it knows
 /// faces from the front, turned and tilted a little, and is rarely wrong. Too slow to look
-/// everywhere for small faces, so it is asked about places.
+/// everywhere for small faces, so it is asked about places. Belongs to one thread at a time.
 class HogFaces {
 public:
-    /// Unpacks the model that is part of dlib, which takes a third of a second.
     HogFaces();
     HogFaces(const HogFaces&) = delete;
     HogFaces& operator=(const HogFaces&) = delete;
@@ -22,6 +21,7 @@ public:
 
     /// Returns the faces in `picture`, one channel of 8 bits: those that are at least smallestPx
     /// across and score at least `lowestScore`, 0 being where the model itself would draw the line.
+    /// The first of these calls in the process unpacks the model, which takes a third of a second.
     std::vector<Find> find(const cv::Mat& picture, double lowestScore);
 
     /// What the detector's model is made for.
@@ -29,6 +29,7 @@ public:
 
 private:
     struct Model;
+    /// Null until it is needed.
     std::unique_ptr<Model> model_;
 };
 

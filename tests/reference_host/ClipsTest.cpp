@@ -60,5 +60,34 @@ TEST_F(ClipsTest, ScenesTileEachClipAndHoldKeyFrames) {
     }
 }
 
+TEST_F(ClipsTest, ManyPicturesShowWhatFewShow) {
+    for (const auto& clip : clips) {
+        SCOPED_TRACE(clip);
+        std::vector<std::int64_t> handed = positionsOf(clip);
+        while (handed.size() > 60) {
+            for (std::size_t i = 0; i < handed.size() / 2; ++i)
+                handed[i] = handed[2 * i];
+            handed.resize(handed.size() / 2);
+        }
+        AnalysisRun many({2, 8}, clip);
+        many.lookAt(handed);
+        many.finish();
+        // So few that they are looked at one after the other.
+        constexpr std::size_t few = 15;
+        AnalysisRun run({2, 8}, clip);
+        for (std::size_t begin = 0; begin < handed.size(); begin += few) {
+            run.prepare();
+            const auto at = handed.begin() + static_cast<std::ptrdiff_t>(begin);
+            const std::size_t count = std::min(few, handed.size() - begin);
+            run.lookAt({at, at + static_cast<std::ptrdiff_t>(count)});
+            run.finish(begin / few + 1);
+            for (std::size_t i = 0; i < count; ++i) {
+                EXPECT_EQ(many.entropies().at(begin + i).entropy, run.entropies().at(i).entropy);
+                EXPECT_EQ(many.blurs().at(begin + i).sharpness, run.blurs().at(i).sharpness);
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace reference_host_tests

@@ -74,6 +74,55 @@ TEST(PictureTask, GivesEveryHandedPositionItsSampleInOrder) {
     EXPECT_TRUE(run.blurs().empty()) << "it was not asked for them";
 }
 
+TEST(PictureTask, FindsInManyPicturesWhatItFindsInFew) {
+    constexpr std::int64_t frames = 60;
+    const FootageFiles files;
+    const auto video =
+        files.make("many.mkv", movingPictures(frames, "320x240") + " -c:v ffv1 -g 5");
+    std::vector<std::int64_t> handed;
+    // 7 has no factor in common with the number of frames: all of them, out of order.
+    for (std::int64_t i = 0; i < frames; ++i)
+        handed.push_back(i * 7 % frames * frame);
+    AnalysisRun many({2, 3, 8}, video);
+    many.lookAt(handed);
+    many.finish();
+    ASSERT_EQ(positionsOf(many.entropies()), handed);
+    // So few that they are looked at one after the other.
+    constexpr std::size_t few = 6;
+    AnalysisRun run({2, 3, 8}, video);
+    for (std::size_t begin = 0; begin < handed.size(); begin += few) {
+        run.prepare();
+        const auto at = handed.begin() + static_cast<std::ptrdiff_t>(begin);
+        run.lookAt({at, at + few});
+        run.finish(begin / few + 1);
+        const auto entropies = run.entropies();
+        const auto blurs = run.blurs();
+        const auto faces = run.faces();
+        ASSERT_EQ(entropies.size(), few);
+        for (std::size_t i = 0; i < few; ++i) {
+            EXPECT_EQ(many.entropies()[begin + i].entropy, entropies[i].entropy);
+            EXPECT_EQ(many.blurs()[begin + i].sharpness, blurs[i].sharpness);
+            EXPECT_EQ(many.faces()[begin + i].pos, faces[i].pos);
+            EXPECT_EQ(many.faces()[begin + i].faceCount, faces[i].faceCount);
+            EXPECT_EQ(reference_host::facesAt(*many.material, handed[begin + i]),
+                      faces[i].faceCount);
+        }
+    }
+}
+
+TEST(PictureTask, TellsOfProgressInAscendingOrder) {
+    const FootageFiles files;
+    AnalysisRun run({8}, greyVideo(files));
+    run.lookAt(std::vector<std::int64_t>(2000, oneColour));
+    run.finish();
+    std::int32_t last = -1;
+    for (const TaskRecorder::Event& event : run.recorder.events()) {
+        EXPECT_GT(event.progress, last - (event.event == KOR::taskEventFinished ? 1 : 0));
+        last = event.progress;
+    }
+    EXPECT_EQ(last, 100);
+}
+
 TEST(PictureTask, KeepsThePlaceOfAPictureThatIsNotThere) {
     const FootageFiles files;
     AnalysisRun run({3, 8, 2}, greyVideo(files));
@@ -153,6 +202,15 @@ TEST(PictureTask, MeasuresTheEntropyOfFullRangeExactly) {
     EXPECT_EQ(bitsIn("a.png", "64x64", "gray", "77", png), 0.0);
     EXPECT_EQ(bitsIn("a.png", "64x64", "gray", "if(lt(X,W/2),3,250)", png), 1.0);
     EXPECT_NEAR(bitsIn("a.png", "256x4", "gray", "X", png), 8.0, 1e-9);
+}
+
+TEST(PictureTask, CountsThePixelsOfAllColumns) {
+    for (const int width : {1, 2, 3, 4, 5, 6, 7, 8, 9}) {
+        SCOPED_TRACE(width);
+        const double bits =
+            bitsIn("a.png", std::to_string(width) + "x3", "gray", "10*X", "-pix_fmt gray");
+        EXPECT_NEAR(bits, std::log2(width), 1e-9);
+    }
 }
 
 TEST(PictureTask, MeasuresTheEntropyOfOtherFormatsClosely) {
