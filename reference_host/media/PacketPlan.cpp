@@ -21,6 +21,10 @@ constexpr std::int64_t evenDenominator = 2;
 constexpr std::int64_t outlierNumerator = 13;
 constexpr std::int64_t outlierDenominator = 10;
 
+/// The part of a key frame's size above which a packet may hold as much that is new.
+constexpr std::int64_t newNumerator = 7;
+constexpr std::int64_t newDenominator = 20;
+
 /// Added to each packet, as a part of the key frame's: a dissolve or cut to something new takes as
 /// much as a key frame, so that what is far below tells nothing.
 constexpr std::int64_t keyFramePart = 100;
@@ -93,6 +97,12 @@ std::size_t packetsBeforeQuiet(std::span<const PacketFacts> group) {
     for (std::size_t i = 0; i < quiet; ++i)
         count = std::max(count, shown[i].decodedAs + 1);
     return count;
+}
+
+bool bringNoScene(std::span<const PacketFacts> rest, std::int64_t keyBytes) {
+    return std::all_of(rest.begin(), rest.end(), [keyBytes](const PacketFacts& packet) {
+        return packet.bytes * newDenominator <= keyBytes * newNumerator;
+    });
 }
 
 }  // namespace reference_host::media

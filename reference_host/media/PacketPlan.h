@@ -23,4 +23,8 @@ struct PacketFacts {
 /// noise, so that what is before and after the rest has to be compared as well.
 std::size_t packetsBeforeQuiet(std::span<const PacketFacts> group);
 
+/// Says whether every packet of `rest` is so small that none can have brought the scene that a key
+/// frame of `keyBytes` shows.
+bool bringNoScene(std::span<const PacketFacts> rest, std::int64_t keyBytes);
+
 }  // namespace reference_host::media

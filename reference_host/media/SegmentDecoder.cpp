@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <set>
+#include <span>
 #include <utility>
 
 #include "reference_host/media/Messages.h"
@@ -95,19 +97,27 @@ private:
         return needed + leastLeftOut <= group.size() ? needed : group.size();
     }
 
-    /// Says whether two key frames that follow each other show one scene.
-    bool showOneView(std::size_t index) {
+    /// Says whether a group and the next key frame surely show one scene.
+    bool showOneScene(std::size_t index) {
         const scenes::PictureFeatures* key = keyView(index);
         const scenes::PictureFeatures* next = keyView(index + 1);
-        return key != nullptr && next != nullptr &&
-               scenes::passageBetween(*key, *next, 0, owner_.plan_.threshold) ==
-                   scenes::Passage::sameView;
+        if (key == nullptr || next == nullptr) return false;
+        return isOneScene(scenes::passageBetween(*key, *next, 0, owner_.plan_.threshold), index, 1);
+    }
+
+    /// Says whether `passage` is one within a scene, given what the packets of a group from `from`
+    /// on can hold.
+    bool isOneScene(scenes::Passage passage, std::size_t index, std::size_t from) const {
+        if (passage != scenes::Passage::movedView) return passage == scenes::Passage::sameView;
+        const std::vector<PacketFacts> facts = factsOf(segment_.groups[index]);
+        return bringNoScene(std::span(facts).subspan(from), keyOf(index + 1)->size);
     }
 
     /// Leaves out all of a group but its key frame, where that will do.
     bool leaveOutWhole(std::size_t index) {
-        if (packetsNeeded(index) > 1 || !showOneView(index)) return false;
+        if (packetsNeeded(index) > 1 || !showOneScene(index)) return false;
         endChain();
+        goingOn_.insert(keyOf(index + 1)->pts);
         pictures_.insert_or_assign(keyOf(index)->pts, *keyView(index));
         return true;
     }
@@ -121,7 +131,7 @@ private:
             !isInChain_ && segment_.number + static_cast<std::int64_t>(index) > 0;
         for (std::size_t i = 0; i < group.size() && !owner_.stop_.stop_requested(); ++i) {
             if (i == std::max(needed, leastDecoded) && i < group.size()) {
-                const Rest rest = restOf(index);
+                const Rest rest = restOf(index, i);
                 if (rest != Rest::needed) endChain();
                 if (rest == Rest::empty) return;
                 if (rest == Rest::deceptive) return decode(index, group.size());
@@ -141,14 +151,17 @@ private:
 
     /// Tells what is to be expected of the pictures between the newest one, which is of a group,
     /// and the next key frame.
-    Rest restOf(std::size_t index) {
+    Rest restOf(std::size_t index, std::size_t from) {
         const scenes::PictureFeatures* next = keyView(index + 1);
         if (newest_ == pictures_.end() || next == nullptr) return Rest::needed;
         const scenes::Passage passage = scenes::passageBetween(
             newest_->second, *next, movementUpToNewest(), owner_.plan_.threshold);
-        if (passage == scenes::Passage::sameView) return Rest::empty;
+        if (isOneScene(passage, index, from)) {
+            goingOn_.insert(keyOf(index + 1)->pts);
+            return Rest::empty;
+        }
         // A coder that begins a new group out of turn has seen the new scene begin there.
-        if (passage == scenes::Passage::unclear || !owner_.chain_.givesNewest() ||
+        if (passage != scenes::Passage::newView || !owner_.chain_.givesNewest() ||
             owner_.plan_.rhythm.isInTurn(keyOf(index)->pts, keyOf(index + 1)->pts)) {
             ++vainLooks_;
             return Rest::needed;
@@ -291,7 +304,9 @@ private:
         for (auto& [timestamp, features] : pictures_) {
             if (next != nullptr && timestamp >= next->pts) break;
             view.pictures.push_back({timestamp, features});
+            view.pictures.back().features.goesOn = goingOn_.contains(timestamp);
         }
+        view.goesOn = next != nullptr && goingOn_.contains(next->pts);
         return view;
     }
 
@@ -316,6 +331,8 @@ private:
     /// Frames that were decoded and have not been received.
     std::int64_t awaited_ = 0;
     int vainLooks_ = 0;
+    /// When key frames are shown that surely go on with the scene before them.
+    std::set<std::int64_t> goingOn_;
     /// The chain has decoded something with parts missing.
     bool isSpoilt_ = false;
     /// Frames that the chain calls damaged for what was missing on purpose.

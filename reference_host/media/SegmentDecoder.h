@@ -23,6 +23,8 @@ struct SegmentPicture {
 /// What is seen in a segment: the pictures that were decoded, in the order in which they are shown.
 struct SegmentView {
     std::vector<SegmentPicture> pictures;
+    /// The last scene goes on in the next segment's first picture; see PictureFeatures.
+    bool goesOn = false;
     /// How many frames were lost, or decoded with parts made up.
     std::int64_t damaged = 0;
     /// How many frames the segment holds, decoded or not.

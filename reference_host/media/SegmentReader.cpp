@@ -12,7 +12,7 @@ namespace {
 
 /// A segment has so many packets at least: two seconds, so that little is decoded twice for being
 /// at its border.
-constexpr std::size_t leastPackets = 48;
+constexpr std::size_t leastPackets = 90;
 
 /// How many pictures that stand alone make a group: a fourth of a second at 30 a second.
 constexpr std::size_t intraGroupPackets = 8;

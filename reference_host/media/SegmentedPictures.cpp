@@ -7,6 +7,10 @@
 namespace reference_host::media {
 namespace {
 
+/// So many pictures may wait for their turn: some 30 MB. What waits lets the others go on while a
+/// segment takes long.
+constexpr std::size_t mostWaiting = 4000;
+
 /// How long progress is not told of while nothing else happens.
 constexpr std::chrono::milliseconds tellInterval{50};
 
@@ -16,7 +20,7 @@ SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
                                      const FootageFacts& facts, const SegmentDecoder::Plan& plan,
                                      std::size_t workers, const std::stop_token& stop, Tell tell)
     : plan_(plan),
-      mostAhead_(static_cast<std::int64_t>(workers) + 2),
+      workerCount_(static_cast<std::int64_t>(workers)),
       lastTimestamp_(facts.lastTimestamp),
       length_(std::max(1.0, static_cast<double>(facts.lastTimestamp) -
                                 static_cast<double>(facts.originTimestamp))),
@@ -52,6 +56,7 @@ void SegmentedPictures::decodeSegments() {
     while (const std::optional<Segment> segment = takeSegment()) {
         SegmentView view = decoder.decode(*segment, [&](double part) { handle(*segment, part); });
         const std::scoped_lock lock(mutex_);
+        waiting_ += view.pictures.size();
         views_.emplace(segment->number, std::move(view));
         changed_.notify_all();
     }
@@ -60,7 +65,8 @@ void SegmentedPictures::decodeSegments() {
 std::optional<Segment> SegmentedPictures::takeSegment() {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] {
-        return end_.stop_requested() || failure_ || isReadWhole_ || taken_ < wanted_ + mostAhead_;
+        return end_.stop_requested() || failure_ || isReadWhole_ || waiting_ < mostWaiting ||
+               taken_ < wanted_ + workerCount_;
     });
     if (end_.stop_requested() || failure_ || isReadWhole_) return std::nullopt;
     std::optional<Segment> segment = segments_.next();
@@ -88,6 +94,7 @@ bool SegmentedPictures::waitForView() {
         if (found != views_.end()) {
             view_ = std::move(found->second);
             views_.erase(found);
+            waiting_ -= view_.pictures.size();
             ++wanted_;
             changed_.notify_all();
             return true;
@@ -104,7 +111,9 @@ bool SegmentedPictures::waitForView() {
 
 bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
     while (nextPicture_ == view_.pictures.size()) {
+        const bool goesOn = view_.goesOn;
         if (!waitForView()) return false;
+        if (goesOn && !view_.pictures.empty()) view_.pictures.front().features.goesOn = true;
         nextPicture_ = 0;
         damage_.damaged += view_.damaged;
         damage_.all += view_.frames;

@@ -49,8 +49,7 @@ private:
     bool waitForView();
 
     const SegmentDecoder::Plan plan_;
-    /// How many segments may wait to be looked at, or be under way.
-    const std::int64_t mostAhead_;
+    const std::int64_t workerCount_;
     const std::int64_t lastTimestamp_;
     /// How long the whole video is, in the unit of its stream.
     const double length_;
@@ -65,6 +64,8 @@ private:
     SegmentReader segments_;
     /// What the workers have seen, by the segments' numbers.
     std::map<std::int64_t, SegmentView> views_;
+    /// How many pictures that makes.
+    std::size_t waiting_ = 0;
     std::exception_ptr failure_;
     /// The segment that is given next, and how many there have been.
     std::int64_t wanted_ = 0;

@@ -11,9 +11,12 @@ constexpr double ordinaryContrast = 32.0;
 
 /// Two pictures with a quiet stretch between them show one view if they differ by so many times the
 /// least cut: people move meanwhile, but new scenes differ by four times as much.
-constexpr double sameViewPart = 1.5;
+constexpr double sameViewPart = 2.0;
 
-/// And so many times the least cut, with the movement near them added, is a new view.
+/// Up to so many times, movement in a second or more may explain it.
+constexpr double movedViewPart = 4.0;
+
+/// From so many times the least cut on, with the movement near them added, it is a new view.
 constexpr double newViewPart = 4.0;
 
 /// Room for the movement between two neighbours, which may make a cut look smaller.
@@ -38,6 +41,7 @@ Passage passageBetween(const PictureFeatures& before, const PictureFeatures& aft
     const Difference difference = differenceBetween(before.thumbnail, after.thumbnail);
     const double least = leastCut(before.contrast, after.contrast, threshold);
     if (difference.overall <= sameViewPart * least) return Passage::sameView;
+    if (difference.overall <= movedViewPart * least) return Passage::movedView;
     const bool standsOut = difference.widespread >= newViewPart * least + threshold * pace;
     return standsOut ? Passage::newView : Passage::unclear;
 }

@@ -23,8 +23,9 @@ double leastCut(float contrastBefore, float contrastAfter, double threshold);
 
 /// What two pictures with others between them tell about these.
 enum class Passage {
-    sameView,  ///< both show one scene: they differ by less than any cut
-    newView,   ///< a new scene begins between them, and no movement explains it
+    sameView,   ///< both show one scene, nearly unchanged
+    movedView,  ///< both show one scene if no cut is known to be between them
+    newView,    ///< a new scene begins between them, and no movement explains it
     unclear
 };
 

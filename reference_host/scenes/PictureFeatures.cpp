@@ -3,7 +3,9 @@
 namespace reference_host::scenes {
 
 PictureFeatures featuresOf(const PictureSample& picture) {
-    PictureFeatures features{picture.positionTicks, sharpnessOf(picture), 0, thumbnailOf(picture)};
+    PictureFeatures features{.positionTicks = picture.positionTicks,
+                             .sharpness = sharpnessOf(picture),
+                             .thumbnail = thumbnailOf(picture)};
     features.contrast = contrastOf(features.thumbnail);
     return features;
 }

@@ -16,6 +16,9 @@ struct PictureFeatures {
     /// Standard deviation of the brightness; see contrastOf().
     float contrast = 0;
     Thumbnail thumbnail;
+    /// It is known to belong to the scene of the picture before, however much that differs: what
+    /// is between them was left out.
+    bool goesOn = false;
 };
 
 /// Returns the features of `picture`.

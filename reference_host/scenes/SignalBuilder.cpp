@@ -13,7 +13,8 @@ constexpr std::int64_t smallestBlendStepTicks = ticksPerSecond / 33;
 }  // namespace
 
 void SignalBuilder::add(const PictureFeatures& picture) {
-    const WindowPicture entry{signals_.size(), picture.positionTicks, picture.thumbnail};
+    const WindowPicture entry{signals_.size(), picture.positionTicks, picture.thumbnail,
+                              picture.goesOn};
     FrameSignal signal;
     signal.positionTicks = picture.positionTicks;
     signal.sharpness = picture.sharpness;
@@ -38,6 +39,7 @@ void SignalBuilder::addForBlend(const WindowPicture& picture) {
 }
 
 void SignalBuilder::setChange(std::size_t number) {
+    if (changeWindow_[number].goesOn) return;
     FrameSignal& signal = signals_[changeWindow_[number].frame];
     const Change change = changeAt(changeWindow_, number, changePairs_);
     signal.change = change.overall;

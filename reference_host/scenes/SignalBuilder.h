@@ -7,8 +7,8 @@
 #include "reference_host/scenes/BlendSignal.h"
 #include "reference_host/scenes/ChangeSignal.h"
 #include "reference_host/scenes/FrameSignal.h"
-#include "reference_host/scenes/PictureFeatures.h"
 #include "reference_host/scenes/PairDifferences.h"
+#include "reference_host/scenes/PictureFeatures.h"
 #include "reference_host/scenes/ThumbnailWindow.h"
 
 namespace reference_host::scenes {

@@ -15,6 +15,8 @@ struct WindowPicture {
     std::size_t frame = 0;
     std::int64_t positionTicks = 0;
     Thumbnail thumbnail;
+    /// See PictureFeatures.
+    bool goesOn = false;
 };
 
 /// The newest pictures of a stream, up to a fixed number; addressed by running numbers that go on
