@@ -110,4 +110,15 @@ void Footage::keepRecord(std::shared_ptr<const scenes::FootageRecord> record) {
     record_ = std::move(record);
 }
 
+void Footage::keepPictures(Pictures pictures) {
+    const std::scoped_lock lock(mutex_);
+    pictures_ = std::move(pictures);
+}
+
+std::shared_ptr<const media::StoredPicture> Footage::keptPicture(std::int64_t positionTicks) const {
+    const std::scoped_lock lock(mutex_);
+    const auto found = pictures_.find(positionTicks);
+    return found == pictures_.end() ? nullptr : found->second;
+}
+
 }  // namespace reference_host

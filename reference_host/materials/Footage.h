@@ -13,6 +13,7 @@
 #include "reference_host/ReferenceHost.h"
 #include "reference_host/cache/KeptFacts.h"
 #include "reference_host/media/FootageFacts.h"
+#include "reference_host/media/StoredPicture.h"
 #include "reference_host/scenes/FootageRecord.h"
 
 namespace reference_host {
@@ -75,6 +76,16 @@ public:
     std::shared_ptr<const scenes::FootageRecord> record() const;
     void keepRecord(std::shared_ptr<const scenes::FootageRecord> record);
 
+    /// Pictures by their positions in ticks.
+    using Pictures = std::map<std::int64_t, std::shared_ptr<const media::StoredPicture>>;
+
+    /// Takes pictures that may be asked for soon, in the place of those before. They stay until
+    /// the next footage needs their memory.
+    void keepPictures(Pictures pictures);
+
+    /// Returns the picture that was kept for `positionTicks`; null where there is none.
+    std::shared_ptr<const media::StoredPicture> keptPicture(std::int64_t positionTicks) const;
+
 private:
     void addWarning(const std::string& warning);
     void forgetAnalysis();
@@ -92,6 +103,7 @@ private:
     /// What another process may have counted since the import, read when it is first asked for.
     mutable std::optional<FaceCounts> facesOfOthers_;
     std::shared_ptr<const scenes::FootageRecord> record_;
+    Pictures pictures_;
 };
 
 }  // namespace reference_host

@@ -1,23 +1,11 @@
 #include "reference_host/media/FrameReader.h"
 
-#include <cstring>
 #include <utility>
 
 #include "reference_host/media/exifOrientation.h"
+#include "reference_host/media/frameShape.h"
 
 namespace reference_host::media {
-namespace {
-
-constexpr std::size_t matrixBytes = 9 * sizeof(std::int32_t);
-
-Orientation ofMatrix(const std::uint8_t* bytes) {
-    std::array<std::int32_t, 9> matrix{};
-    std::memcpy(matrix.data(), bytes, matrixBytes);
-    return Orientation::ofDisplayMatrix(matrix);
-}
-
-}  // namespace
-
 FrameReader::FrameReader(const std::filesystem::path& file, Decoder::Threads threads,
                          Decoder::Size size, std::stop_token stop, Decoder::Quality quality)
     : stop_(std::move(stop)),
@@ -72,18 +60,12 @@ void FrameReader::send() {
 }
 
 AVRational FrameReader::shapeOfPixels(const AVFrame& frame) const {
-    const AVRational shape = container_.video().sample_aspect_ratio;
-    return shape.num > 0 && shape.den > 0 ? shape : frame.sample_aspect_ratio;
+    return media::shapeOfPixels(container_.video(), frame);
 }
 
 Orientation FrameReader::orientationOf(const AVFrame& frame) const {
-    const AVFrameSideData* ofFrame = av_frame_get_side_data(&frame, AV_FRAME_DATA_DISPLAYMATRIX);
-    if (ofFrame != nullptr && ofFrame->size >= matrixBytes) return ofMatrix(ofFrame->data);
-    std::size_t size = 0;
-    const std::uint8_t* ofStream =
-        av_stream_get_side_data(&container_.video(), AV_PKT_DATA_DISPLAYMATRIX, &size);
-    if (ofStream != nullptr && size >= matrixBytes) return ofMatrix(ofStream);
-    return ofBytes_.value_or(Orientation{});
+    const std::optional<Orientation> known = media::orientationOf(container_.video(), frame);
+    return known ? *known : ofBytes_.value_or(Orientation{});
 }
 
 }  // namespace reference_host::media

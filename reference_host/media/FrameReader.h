@@ -53,6 +53,7 @@ public:
         return std::int64_t{codec.width} * codec.height;
     }
 
+    const AVStream& video() const { return container_.video(); }
     const FrameClock& clock() const { return clock_; }
     const Decoder& decoder() const { return decoder_; }
 

@@ -1,5 +1,9 @@
 #include "reference_host/media/PictureMaker.h"
 
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -49,7 +53,8 @@ void copyUpright(const AVFrame& stored, Orientation orientation, vision::Picture
 }  // namespace
 
 PictureMaker::PictureMaker()
-    : scaler_(AV_PIX_FMT_BGR24, SWS_AREA | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT) {}
+    : scaler_(AV_PIX_FMT_BGR24, SWS_AREA | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT),
+      smallScaler_(AV_PIX_FMT_YUV420P, SWS_AREA | SWS_ACCURATE_RND) {}
 
 bool PictureMaker::make(const AVFrame& frame, AVRational aspect, Orientation orientation,
                         vision::Picture& picture) {
@@ -60,6 +65,41 @@ bool PictureMaker::make(const AVFrame& frame, AVRational aspect, Orientation ori
     if (!luma) return false;
     copyUpright(*scaled, orientation, picture);
     picture.luma = *luma;
+    return true;
+}
+
+bool PictureMaker::store(const AVFrame& frame, AVRational aspect, Orientation orientation,
+                         StoredPicture& stored) {
+    const Size size = shownSize(frame, aspect);
+    const AVFrame* small = smallScaler_.scale(frame, size.widthPx, size.heightPx);
+    if (small == nullptr) return false;
+    const std::optional<vision::LumaHistogram> luma = countLuma(frame);
+    if (!luma) return false;
+    stored.widthPx = size.widthPx;
+    stored.heightPx = size.heightPx;
+    stored.planes.resize(storedBytes(size.widthPx, size.heightPx));
+    av_image_copy_to_buffer(stored.planes.data(), static_cast<int>(stored.planes.size()),
+                            small->data, small->linesize, AV_PIX_FMT_YUV420P, size.widthPx,
+                            size.heightPx, 1);
+    stored.colorSpace = frame.colorspace;
+    stored.orientation = orientation;
+    stored.luma = *luma;
+    return true;
+}
+
+bool PictureMaker::restore(const StoredPicture& stored, vision::Picture& picture) {
+    const AvPointer<AVFrame> frame = adopt(av_frame_alloc());
+    frame->width = stored.widthPx;
+    frame->height = stored.heightPx;
+    frame->format = AV_PIX_FMT_YUV420P;
+    frame->color_range = AVCOL_RANGE_JPEG;
+    frame->colorspace = static_cast<AVColorSpace>(stored.colorSpace);
+    av_image_fill_arrays(frame->data, frame->linesize, stored.planes.data(), AV_PIX_FMT_YUV420P,
+                         stored.widthPx, stored.heightPx, 1);
+    const AVFrame* scaled = scaler_.scale(*frame, stored.widthPx, stored.heightPx);
+    if (scaled == nullptr) return false;
+    copyUpright(*scaled, stored.orientation, picture);
+    picture.luma = stored.luma;
     return true;
 }
 

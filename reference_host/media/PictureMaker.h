@@ -2,6 +2,7 @@
 
 #include "reference_host/media/FrameScaler.h"
 #include "reference_host/media/Orientation.h"
+#include "reference_host/media/StoredPicture.h"
 #include "reference_host/vision/Picture.h"
 
 namespace reference_host::media {
@@ -17,8 +18,17 @@ public:
     bool make(const AVFrame& frame, AVRational aspect, Orientation orientation,
               vision::Picture& picture);
 
+    /// Fills in `stored`, from which restore() makes the picture: its brightness is that of make(),
+    /// its colours are a little coarser. Fails as make().
+    bool store(const AVFrame& frame, AVRational aspect, Orientation orientation,
+               StoredPicture& stored);
+
+    /// Fills in `picture`. False where there is no memory for it.
+    bool restore(const StoredPicture& stored, vision::Picture& picture);
+
 private:
     FrameScaler scaler_;
+    FrameScaler smallScaler_;
 };
 
 }  // namespace reference_host::media

@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "host/status.h"
 #include "reference_host/media/Container.h"
 #include "reference_host/media/FrameClock.h"
 #include "reference_host/media/SegmentedPictures.h"
@@ -24,6 +25,9 @@ constexpr unsigned mostThreads = 16;
 /// Two key frames may be so many pictures apart: 40 seconds at 30 a second. A segment holds the
 /// packets of all of them.
 constexpr std::int64_t mostPicturesBetweenKeys = 1200;
+
+/// What the pictures that are kept of one video may take: most of all there is.
+constexpr std::int64_t keptBytes = PictureMemory::limitBytes / 8 * 7;
 
 /// Formats whose key frames stand for themselves, and for which decoders know no pictures across
 /// them. Others have key frames in name only, or keep a canvas that is drawn on.
@@ -72,6 +76,11 @@ bool isDivisible(const AVStream& stream, const FootageFacts& facts) {
            longest - length / 2 <= length / 8;
 }
 
+std::int64_t inUnitsOf(const AVStream& stream, double ticks) {
+    const double units = ticks / KOR::ticksPerSecond * av_q2d(av_inv_q(stream.time_base));
+    return static_cast<std::int64_t>(std::clamp(units, 0.0, 9e18));
+}
+
 std::size_t threadsFor(const AVCodecParameters& codec, unsigned wanted) {
     const std::int64_t frameBytes =
         std::max<std::int64_t>(1, std::int64_t{codec.width} * codec.height * 3 / 2);
@@ -79,6 +88,19 @@ std::size_t threadsFor(const AVCodecParameters& codec, unsigned wanted) {
     const unsigned useful = wanted > 0 ? wanted : std::thread::hardware_concurrency();
     return static_cast<std::size_t>(
         std::min<std::int64_t>(affordable, std::min(useful, mostThreads)));
+}
+
+/// Returns the grid in which pictures of `stream` are kept: so coarse that they find room together.
+TimeGrid gridFor(const AVStream& stream, const FootageFacts& facts, std::int64_t shortestTicks) {
+    if (shortestTicks <= 0) return {};
+    const int side = std::max({1, stream.codecpar->width, stream.codecpar->height});
+    const double scale = std::min(1.0, static_cast<double>(vision::maxPictureSidePx) / side);
+    const double pixels = std::max(1.0, scale * stream.codecpar->width) *
+                          std::max(1.0, scale * stream.codecpar->height);
+    const double picturesWithRoom = static_cast<double>(keptBytes) / (pixels * 1.5 + 4096);
+    const double ticks = std::max(static_cast<double>(shortestTicks),
+                                  static_cast<double>(facts.durationTicks) / picturesWithRoom);
+    return {facts.originTimestamp, std::max<std::int64_t>(1, inUnitsOf(stream, ticks))};
 }
 
 }  // namespace
@@ -92,7 +114,8 @@ public:
           stop_(std::move(stop)),
           tell_(std::move(tell)),
           container_(std::make_unique<Container>(file, stop_)),
-          clock_(container_->video()) {
+          clock_(container_->video()),
+          grid_(gridFor(container_->video(), facts, plan.shortestKeptTicks)) {
         open(plan);
     }
 
@@ -112,23 +135,30 @@ public:
 
     Damage damage() const { return source_->damage(); }
 
+    std::vector<Kept> takeKept() {
+        std::vector<Kept> all;
+        for (KeptPicture& kept : source_->takeKept()) {
+            const auto position = clock_.positionOf(kept.timestamp, facts_.originTimestamp);
+            if (position) all.push_back({*position, std::move(kept.picture)});
+        }
+        return all;
+    }
+
 private:
     void open(const Plan& plan) {
         const AVStream& video = container_->video();
         const std::size_t threads = threadsFor(*video.codecpar, plan.threads);
         if (threads == 0 || !isDivisible(video, facts_)) return openSequential();
-        const double gap =
-            static_cast<double>(plan.longestGapTicks) * 1e-7 * av_q2d(av_inv_q(video.time_base));
+        const std::int64_t gap = inUnitsOf(video, static_cast<double>(plan.longestGapTicks));
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
-            SegmentDecoder::Plan{plan.threshold, static_cast<std::int64_t>(gap),
-                                 KeyRhythm(facts_.keyTimestamps)},
+            SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_},
             threads, stop_, tell_);
     }
 
     void openSequential() {
         isSequential_ = true;
-        source_ = std::make_unique<SequentialPictures>(file_, stop_);
+        source_ = std::make_unique<SequentialPictures>(file_, grid_, stop_);
     }
 
     /// Where the video turns out not to be what its packets promise, everything is decoded from the
@@ -154,6 +184,7 @@ private:
     const Tell tell_;
     std::unique_ptr<Container> container_;
     const FrameClock clock_;
+    const TimeGrid grid_;
     std::unique_ptr<PictureSource> source_;
     bool isSequential_ = false;
     std::int64_t lastPosition_ = -1;
@@ -167,6 +198,10 @@ PictureReader::~PictureReader() = default;
 
 bool PictureReader::next(scenes::PictureFeatures& picture) {
     return stream_->next(picture);
+}
+
+std::vector<PictureReader::Kept> PictureReader::takeKept() {
+    return stream_->takeKept();
 }
 
 Damage PictureReader::damage() const {

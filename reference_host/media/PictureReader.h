@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <stop_token>
+#include <vector>
 
 #include "reference_host/media/FootageFacts.h"
 #include "reference_host/media/PictureSource.h"
@@ -21,6 +22,9 @@ public:
         double threshold = 3.0;
         /// How long a stretch may be of which no picture is given.
         std::int64_t longestGapTicks = 0;
+        /// Pictures are kept, as many as there is memory for, but not of shorter stretches than
+        /// this each; 0 for none.
+        std::int64_t shortestKeptTicks = 0;
         /// How many threads decode; 0 for as many as help.
         unsigned threads = 0;
     };
@@ -42,6 +46,18 @@ public:
     bool next(scenes::PictureFeatures& picture);
 
     Damage damage() const;
+
+    /// A picture that was kept and where it is shown.
+    struct Kept {
+        std::int64_t positionTicks = 0;
+        /// Null where there was no memory for it.
+        std::shared_ptr<const StoredPicture> picture;
+    };
+
+    /// Returns what was kept, in ascending order: of each of some equal stretches of the footage
+    /// the sharpest of its pictures that were given. Which ones these are depends on the footage
+    /// and the plan alone. Call it once, at the end.
+    std::vector<Kept> takeKept();
 
 private:
     class Stream;

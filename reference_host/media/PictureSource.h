@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
+#include "reference_host/media/PictureKeeper.h"
 #include "reference_host/scenes/PictureFeatures.h"
 
 namespace reference_host::media {
@@ -22,6 +24,10 @@ public:
     virtual bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) = 0;
 
     virtual Damage damage() const = 0;
+
+    /// Returns what was kept of the pictures that were given, in ascending order. Call it once, at
+    /// the end.
+    virtual std::vector<KeptPicture> takeKept() = 0;
 };
 
 }  // namespace reference_host::media

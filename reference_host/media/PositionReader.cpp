@@ -45,9 +45,17 @@ public:
 
     bool read(std::int64_t positionTicks, vision::Picture& picture) {
         // A photo has one picture, whose position is 0.
-        return find(isVideo_ ? positionTicks : 0) &&
-               maker_.make(*shown_.frame, reader_->shapeOfPixels(*shown_.frame),
-                           reader_->orientationOf(*shown_.frame), picture);
+        if (!find(isVideo_ ? positionTicks : 0)) return false;
+        const AVFrame& frame = *shown_.frame;
+        const AVRational shape = reader_->shapeOfPixels(frame);
+        const Orientation orientation = reader_->orientationOf(frame);
+        if (!isVideo_) return maker_.make(frame, shape, orientation, picture);
+        // On the way that a picture takes that is kept in between.
+        return maker_.store(frame, shape, orientation, stored_) && restore(stored_, picture);
+    }
+
+    bool restore(const StoredPicture& stored, vision::Picture& picture) {
+        return maker_.restore(stored, picture);
     }
 
     std::int64_t framePixels() const { return reader_->framePixels(); }
@@ -63,7 +71,8 @@ private:
     std::unique_ptr<FrameReader> open() const {
         // A photo may be as large as memory allows; of it, there is only one frame to wait for.
         return isVideo_ ? std::make_unique<FrameReader>(file_, Decoder::Threads::several,
-                                                        Decoder::Size::full, stop_)
+                                                        Decoder::Size::full, stop_,
+                                                        Decoder::Quality::quick)
                         : std::make_unique<FrameReader>(file_, Decoder::Threads::one,
                                                         Decoder::Size::reduced, stop_);
     }
@@ -217,6 +226,7 @@ private:
     const std::stop_token stop_;
     std::unique_ptr<FrameReader> reader_;
     PictureMaker maker_;
+    StoredPicture stored_;
     /// What was done by earlier readers, and all jumps.
     Effort earlier_;
     PlacedFrame shown_;
@@ -240,6 +250,10 @@ bool PositionReader::read(std::int64_t positionTicks, vision::Picture& picture) 
 
 std::int64_t PositionReader::framePixels() const {
     return stream_->framePixels();
+}
+
+bool PositionReader::restore(const StoredPicture& stored, vision::Picture& picture) {
+    return stream_->restore(stored, picture);
 }
 
 PositionReader::Effort PositionReader::effort() const {

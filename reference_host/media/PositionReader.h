@@ -6,6 +6,7 @@
 #include <stop_token>
 
 #include "reference_host/media/FootageFacts.h"
+#include "reference_host/media/StoredPicture.h"
 #include "reference_host/vision/Picture.h"
 
 namespace reference_host::media {
@@ -33,6 +34,10 @@ public:
     /// How many pixels a frame has, as far as the file tells before one is decoded; 0 where it does
     /// not.
     std::int64_t framePixels() const;
+
+    /// Fills in the picture that read() would, from what was kept of it. False where there is no
+    /// memory for it.
+    bool restore(const StoredPicture& stored, vision::Picture& picture);
 
     /// What reading has taken so far.
     struct Effort {

@@ -64,6 +64,7 @@ public:
         const std::int64_t damagedBefore = damagedSoFar();
         for (std::size_t i = 0; i < segment_.groups.size(); ++i) {
             if (!leaveOutWhole(i)) decode(i, packetsNeeded(i));
+            keyViews_[i].frame.reset();
             tellOf(segment_.groups[i].size() - std::exchange(told_, 0));
         }
         // Behind the key frame that comes next there may be pictures that are shown before it.
@@ -77,6 +78,12 @@ public:
 
 private:
     using Pictures = std::map<std::int64_t, scenes::PictureFeatures>;
+
+    struct KeyView {
+        bool isKnown = false;
+        std::optional<scenes::PictureFeatures> features;
+        AvPointer<AVFrame> frame;
+    };
 
     const AVPacket* keyOf(std::size_t group) const {
         if (group < segment_.groups.size()) return segment_.groups[group].front().get();
@@ -118,7 +125,9 @@ private:
         if (packetsNeeded(index) > 1 || !showOneScene(index)) return false;
         endChain();
         goingOn_.insert(keyOf(index + 1)->pts);
-        pictures_.insert_or_assign(keyOf(index)->pts, *keyView(index));
+        const scenes::PictureFeatures& key = *keyView(index);
+        pictures_.insert_or_assign(keyOf(index)->pts, key);
+        keep(*keyViews_[index].frame, keyOf(index)->pts, key);
         return true;
     }
 
@@ -262,7 +271,15 @@ private:
         const std::optional<scenes::PictureFeatures> features = featuresOf(frame);
         if (!features) return;
         newest_ = pictures_.insert_or_assign(timestamp, *features).first;
+        keep(frame, timestamp, *features);
         if (newest_ != pictures_.begin()) followPace();
+    }
+
+    void keep(const AVFrame& frame, std::int64_t timestamp,
+              const scenes::PictureFeatures& features) {
+        const AVPacket* next = keyOf(segment_.groups.size());
+        if (next != nullptr && timestamp >= next->pts) return;
+        owner_.keeper_.offer(frame, timestamp, features.sharpness);
     }
 
     void followPace() {
@@ -274,20 +291,19 @@ private:
     /// Returns what the key frame of a group shows; null where that cannot be seen.
     const scenes::PictureFeatures* keyView(std::size_t group) {
         KeyView& view = keyViews_[group];
-        if (!std::exchange(view.isKnown, true)) view.features = look(*keyOf(group));
+        if (!std::exchange(view.isKnown, true)) look(*keyOf(group), view);
         return view.features ? &*view.features : nullptr;
     }
 
-    std::optional<scenes::PictureFeatures> look(const AVPacket& key) {
+    void look(const AVPacket& key, KeyView& view) {
         Decoder& keys = owner_.keys_;
         keys.send(&key);
         keys.send(nullptr);
-        std::optional<scenes::PictureFeatures> features;
         while (const AVFrame* frame = keys.receive()) {
-            features = featuresOf(*frame);
+            view.features = featuresOf(*frame);
+            view.frame = adopt(av_frame_clone(frame));
         }
         keys.forget();
-        return features;
     }
 
     std::int64_t damagedSoFar() const { return owner_.chain_.damaged() - forgiven_; }
@@ -306,14 +322,10 @@ private:
             view.pictures.push_back({timestamp, features});
             view.pictures.back().features.goesOn = goingOn_.contains(timestamp);
         }
+        view.kept = owner_.keeper_.take();
         view.goesOn = next != nullptr && goingOn_.contains(next->pts);
         return view;
     }
-
-    struct KeyView {
-        bool isKnown = false;
-        std::optional<scenes::PictureFeatures> features;
-    };
 
     SegmentDecoder& owner_;
     const Segment& segment_;
@@ -343,7 +355,8 @@ SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::st
     : plan_(plan),
       stop_(std::move(stop)),
       chain_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick),
-      keys_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick) {}
+      keys_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick),
+      keeper_(stream, plan.kept) {}
 
 SegmentView SegmentDecoder::decode(const Segment& segment, const Tell& tell) {
     return Work(*this, segment, tell).run();

@@ -8,6 +8,7 @@
 
 #include "reference_host/media/Decoder.h"
 #include "reference_host/media/KeyRhythm.h"
+#include "reference_host/media/PictureKeeper.h"
 #include "reference_host/media/PictureScaler.h"
 #include "reference_host/media/Segment.h"
 #include "reference_host/scenes/PictureFeatures.h"
@@ -25,6 +26,7 @@ struct SegmentView {
     std::vector<SegmentPicture> pictures;
     /// The last scene goes on in the next segment's first picture; see PictureFeatures.
     bool goesOn = false;
+    std::vector<KeptPicture> kept;
     /// How many frames were lost, or decoded with parts made up.
     std::int64_t damaged = 0;
     /// How many frames the segment holds, decoded or not.
@@ -49,6 +51,8 @@ public:
         /// How long a stretch may be of which nothing is decoded, in the unit of the stream.
         std::int64_t longestGap = 0;
         KeyRhythm rhythm;
+        /// One picture of each part is kept.
+        TimeGrid kept;
     };
 
     /// `stream` has to outlive this. Decoding ends soon after `stop` is requested. Throws
@@ -72,6 +76,7 @@ private:
     /// Decodes single key frames.
     Decoder keys_;
     PictureScaler scaler_;
+    PictureKeeper keeper_;
 };
 
 }  // namespace reference_host::media

@@ -117,6 +117,7 @@ bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& p
         nextPicture_ = 0;
         damage_.damaged += view_.damaged;
         damage_.all += view_.frames;
+        append(kept_, std::move(view_.kept), plan_.kept);
     }
     SegmentPicture& next = view_.pictures[nextPicture_++];
     timestamp = next.timestamp;

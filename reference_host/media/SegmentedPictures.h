@@ -11,6 +11,7 @@
 #include <optional>
 #include <stop_token>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "reference_host/media/Container.h"
@@ -40,6 +41,7 @@ public:
     /// Throws NotDivisible and SegmentTooLong.
     bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) override;
     Damage damage() const override { return damage_; }
+    std::vector<KeptPicture> takeKept() override { return std::move(kept_); }
 
 private:
     void work();
@@ -76,6 +78,7 @@ private:
     SegmentView view_;
     std::size_t nextPicture_ = 0;
     Damage damage_;
+    std::vector<KeptPicture> kept_;
     std::vector<std::jthread> workers_;
 };
 

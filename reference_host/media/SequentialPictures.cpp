@@ -4,9 +4,11 @@
 
 namespace reference_host::media {
 
-SequentialPictures::SequentialPictures(const std::filesystem::path& file, std::stop_token stop)
+SequentialPictures::SequentialPictures(const std::filesystem::path& file, const TimeGrid& kept,
+                                       std::stop_token stop)
     : reader_(file, Decoder::Threads::several, Decoder::Size::full, std::move(stop),
-              Decoder::Quality::quick) {}
+              Decoder::Quality::quick),
+      keeper_(reader_.video(), kept) {}
 
 bool SequentialPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
     scenes::PictureSample sample;
@@ -18,6 +20,7 @@ bool SequentialPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& 
         }
         picture = featuresOf(sample);
         timestamp = reader_.timestamp();
+        keeper_.offer(*frame, timestamp, picture.sharpness);
         return true;
     }
     return false;

@@ -17,6 +17,8 @@ struct FrameRecord {
     float change = 0;
     /// It belongs to a dissolve or fade, and so shows no scene purely.
     bool inTransition = false;
+    /// It was kept, so that it costs little to look at it.
+    bool isKept = false;
 };
 
 /// What scene analysis has learnt about one video: a small record for each picture, and the scenes.

@@ -58,19 +58,41 @@ double placeOfCandidate(std::size_t k, std::size_t count) {
     return k % 2 == 1 ? 0.5 - distance : 0.5 + distance;
 }
 
-/// Appends the sharpest candidate of each of `count` equal stretches; frames is not empty.
+/// Returns the sharpest of the frames that were kept from `begin` to before `end`, the first among
+/// equals; null where none was.
+const FrameRecord* sharpestKept(Frames frames, double begin, double end) {
+    const FrameRecord* best = nullptr;
+    for (const FrameRecord& frame : frames) {
+        const double position = static_cast<double>(frame.positionTicks);
+        if (!frame.isKept || position < begin || position >= end) continue;
+        if (best == nullptr || frame.sharpness > best->sharpness) best = &frame;
+    }
+    return best;
+}
+
+/// Returns the sharpest of `candidates` frames in the middle half of a stretch.
+const FrameRecord* sharpestOf(Frames frames, double begin, double length, std::size_t candidates) {
+    const FrameRecord* best = nullptr;
+    for (std::size_t k = 0; k < candidates; ++k) {
+        const FrameRecord& frame =
+            frameShownAt(frames, begin + length * placeOfCandidate(k, candidates));
+        if (best == nullptr || frame.sharpness > best->sharpness) best = &frame;
+    }
+    return best;
+}
+
+/// Appends a frame of each of `count` equal stretches: a kept one from its middle half or, failing
+/// that, from anywhere in it, or else the sharpest candidate; frames is not empty.
 void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
                 std::vector<std::int64_t>& chosen) {
     const double begin = static_cast<double>(frames.front().positionTicks);
     const double end = static_cast<double>(frames.back().positionTicks);
-    const double stretch = (end - begin) / static_cast<double>(count);
+    const double length = (end - begin) / static_cast<double>(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const FrameRecord* best = nullptr;
-        for (std::size_t k = 0; k < candidates; ++k) {
-            const double place = static_cast<double>(i) + placeOfCandidate(k, candidates);
-            const FrameRecord& frame = frameShownAt(frames, begin + stretch * place);
-            if (best == nullptr || frame.sharpness > best->sharpness) best = &frame;
-        }
+        const double first = begin + length * static_cast<double>(i);
+        const FrameRecord* best = sharpestKept(frames, first + length / 4, first + length * 3 / 4);
+        if (best == nullptr) best = sharpestKept(frames, first, first + length);
+        if (best == nullptr) best = sharpestOf(frames, first, length, candidates);
         chosen.push_back(best->positionTicks);
     }
 }

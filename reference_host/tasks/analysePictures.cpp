@@ -126,12 +126,18 @@ private:
         for (std::size_t at = order_.size() * part / parts; at < end; ++at) {
             if (end_.stop_requested()) return;
             const std::size_t i = order_[at];
-            if (reader.read(positions_[i], picture)) {
+            if (get(positions_[i], reader, picture)) {
                 take(picture, i, detector.get(), results_);
                 if (detector) faceCounts_[part][positions_[i]] = results_.faces[i].faceCount;
             }
             step();
         }
+    }
+
+    /// Fills in the picture at a position: as it was kept, where it was, and otherwise decoded.
+    bool get(std::int64_t positionTicks, media::PositionReader& reader, vision::Picture& picture) {
+        const auto kept = request_.footage->keptPicture(positionTicks);
+        return kept ? reader.restore(*kept, picture) : reader.read(positionTicks, picture);
     }
 
     void noteFaces() {

@@ -1,14 +1,21 @@
 #include "reference_host/tasks/analyseScenes.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "reference_host/media/MediaError.h"
 #include "reference_host/media/PictureReader.h"
 #include "reference_host/scenes/KeyFrameChoice.h"
 #include "reference_host/scenes/SceneAnalysis.h"
+#include "reference_host/tasks/PictureShelf.h"
 
 namespace reference_host {
 namespace {
+
+/// Keyframes are chosen from so many pictures a second at most.
+constexpr std::int64_t shortestKept = KOR::ticksPerSecond / 2;
 
 using Record = std::shared_ptr<const scenes::FootageRecord>;
 
@@ -30,12 +37,34 @@ std::int64_t longestGapFor(const AnalysisRequest& request) {
     return request.wantsKeyFrames ? longestGapForKeyFrames : longestGapForScenes;
 }
 
+/// Takes in which pictures were kept: into the record all of them, since what is chosen must not
+/// depend on how much memory others have left.
+void keepPictures(const std::shared_ptr<Footage>& footage,
+                  std::vector<media::PictureReader::Kept> kept, scenes::FootageRecord& record) {
+    Footage::Pictures pictures;
+    auto frame = record.frames.begin();
+    for (media::PictureReader::Kept& one : kept) {
+        frame = std::lower_bound(frame, record.frames.end(), one.positionTicks,
+                                 [](const scenes::FrameRecord& each, std::int64_t position) {
+                                     return each.positionTicks < position;
+                                 });
+        if (frame == record.frames.end()) break;
+        frame->isKept = frame->positionTicks == one.positionTicks;
+        if (one.picture) pictures.emplace(one.positionTicks, std::move(one.picture));
+    }
+    PictureShelf::instance().put(footage, std::move(pictures));
+}
+
 /// Null when it was stopped.
 Record decode(const AnalysisRequest& request, double threshold, const std::stop_token& stop,
               ProgressMeter& progress) {
     Footage& footage = *request.footage;
     const media::PictureReader::Plan plan{
-        .threshold = threshold, .longestGapTicks = longestGapFor(request), .threads = 0};
+        .threshold = threshold,
+        .longestGapTicks = longestGapFor(request),
+        .shortestKeptTicks = request.wantsKeyFrames ? shortestKept : 0,
+        .threads = 0};
+    PictureShelf::instance().makeRoom();
     media::PictureReader reader(footage.file(), footage.facts(), plan, stop, [&](double share) {
         progress.report(static_cast<std::int32_t>(share * 100));
     });
@@ -49,8 +78,9 @@ Record decode(const AnalysisRequest& request, double threshold, const std::stop_
     if (stop.stop_requested()) return nullptr;
     if (pictures == 0) throw media::MediaError("no picture could be decoded");
     noteDamage(footage, reader.damage());
-    return std::make_shared<const scenes::FootageRecord>(
-        analysis.finish(footage.facts().durationTicks));
+    scenes::FootageRecord record = analysis.finish(footage.facts().durationTicks);
+    keepPictures(request.footage, reader.takeKept(), record);
+    return std::make_shared<const scenes::FootageRecord>(std::move(record));
 }
 
 /// Scenes depend on the parameters, so they always take a decode of their own; keyframes in known
