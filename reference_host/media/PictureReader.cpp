@@ -149,7 +149,10 @@ private:
         const AVStream& video = container_->video();
         const std::size_t threads = threadsFor(*video.codecpar, plan.threads);
         if (threads == 0 || !isDivisible(video, facts_)) return openSequential();
-        const std::int64_t gap = inUnitsOf(video, static_cast<double>(plan.longestGapTicks));
+        const auto units = [&video](std::int64_t ticks) {
+            return inUnitsOf(video, static_cast<double>(ticks));
+        };
+        const LongestGap gap{units(plan.gap.always), units(plan.gap.most), plan.gap.part};
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
             SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_},

@@ -20,8 +20,8 @@ public:
     struct Plan {
         /// The ratio by which changes have to stand out; see scenes::SceneAnalysis.
         double threshold = 3.0;
-        /// How long a stretch may be of which no picture is given.
-        std::int64_t longestGapTicks = 0;
+        /// How long a stretch may be of which no picture is given, in ticks.
+        LongestGap gap;
         /// Pictures are kept, as many as there is memory for, but not of shorter stretches than
         /// this each; 0 for none.
         std::int64_t shortestKeptTicks = 0;

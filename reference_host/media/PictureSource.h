@@ -14,6 +14,14 @@ struct Damage {
     std::int64_t all = 0;
 };
 
+/// How long a stretch of a video may be of which nothing is seen: the given part of the way from
+/// one key frame to the next, but not less than `always` and not more than `most`.
+struct LongestGap {
+    std::int64_t always = 0;
+    std::int64_t most = 0;
+    double part = 0;
+};
+
 /// Gives the pictures of a video, or those of them that matter for its scenes.
 class PictureSource {
 public:

@@ -97,11 +97,16 @@ private:
         const AVPacket* nextKey = keyOf(index + 1);
         if (nextKey == nullptr || vainLooks_ >= mostVainLooks) return group.size();
         std::size_t needed = packetsBeforeQuiet(factsOf(group));
-        while (needed < group.size() &&
-               nextKey->pts - group[needed - 1]->pts > owner_.plan_.longestGap) {
+        const std::int64_t latest = nextKey->pts - longestGapIn(index);
+        while (needed < group.size() && group[needed - 1]->pts < latest)
             ++needed;
-        }
         return needed + leastLeftOut <= group.size() ? needed : group.size();
+    }
+
+    std::int64_t longestGapIn(std::size_t index) const {
+        const LongestGap& gap = owner_.plan_.gap;
+        const double length = static_cast<double>(keyOf(index + 1)->pts - keyOf(index)->pts);
+        return std::clamp(static_cast<std::int64_t>(length * gap.part), gap.always, gap.most);
     }
 
     /// Says whether a group and the next key frame surely show one scene.

@@ -10,6 +10,7 @@
 #include "reference_host/media/KeyRhythm.h"
 #include "reference_host/media/PictureKeeper.h"
 #include "reference_host/media/PictureScaler.h"
+#include "reference_host/media/PictureSource.h"
 #include "reference_host/media/Segment.h"
 #include "reference_host/scenes/PictureFeatures.h"
 
@@ -49,7 +50,7 @@ public:
         /// decoded.
         double threshold = 3.0;
         /// How long a stretch may be of which nothing is decoded, in the unit of the stream.
-        std::int64_t longestGap = 0;
+        LongestGap gap;
         KeyRhythm rhythm;
         /// One picture of each part is kept.
         TimeGrid kept;

@@ -14,17 +14,21 @@
 namespace reference_host {
 namespace {
 
-/// Keyframes are chosen from so many pictures a second at most.
-constexpr std::int64_t shortestKept = KOR::ticksPerSecond / 2;
-
 using Record = std::shared_ptr<const scenes::FootageRecord>;
 
-/// Scenes need no picture of a stretch in which nothing happens; this only bounds what is lost by a
-/// wrong guess.
-constexpr std::int64_t longestGapForScenes = 10 * KOR::ticksPerSecond;
+/// How long a stretch may be of which no picture is looked at: keyframes may be looked for later,
+/// of which there is one for each few seconds.
+constexpr std::int64_t longestGapForScenes = 4 * KOR::ticksPerSecond;
 
-/// Every keyframe is chosen from a stretch of seconds, in which there have to be pictures.
-constexpr std::int64_t longestGapForKeyFrames = KOR::ticksPerSecond * 5 / 4;
+/// The same where keyframes are looked for at once, so that there are pictures in the middle of
+/// what they stand for. A shot is often one group of pictures: of a long one the first part is
+/// looked at.
+constexpr std::int64_t shortGapForKeyFrames = KOR::ticksPerSecond * 5 / 4;
+constexpr std::int64_t longestGapForKeyFrames = 2 * KOR::ticksPerSecond;
+constexpr double partForKeyFrames = 0.6;
+
+/// Keyframes are chosen from so many pictures a second at most.
+constexpr std::int64_t shortestKept = KOR::ticksPerSecond / 2;
 
 void noteDamage(Footage& footage, const media::Damage& damage) {
     if (damage.damaged == 0) return;
@@ -32,9 +36,15 @@ void noteDamage(Footage& footage, const media::Damage& damage) {
                         std::to_string(damage.all) + " frames could not be decoded whole");
 }
 
-/// Returns how long a stretch may be of which no picture is looked at.
-std::int64_t longestGapFor(const AnalysisRequest& request) {
-    return request.wantsKeyFrames ? longestGapForKeyFrames : longestGapForScenes;
+media::PictureReader::Plan planFor(const AnalysisRequest& request, double threshold) {
+    media::PictureReader::Plan plan;
+    plan.threshold = threshold;
+    plan.gap = {longestGapForScenes, longestGapForScenes, 0};
+    if (request.wantsKeyFrames) {
+        plan.gap = {shortGapForKeyFrames, longestGapForKeyFrames, partForKeyFrames};
+        plan.shortestKeptTicks = shortestKept;
+    }
+    return plan;
 }
 
 /// Takes in which pictures were kept: into the record all of them, since what is chosen must not
@@ -59,15 +69,10 @@ void keepPictures(const std::shared_ptr<Footage>& footage,
 Record decode(const AnalysisRequest& request, double threshold, const std::stop_token& stop,
               ProgressMeter& progress) {
     Footage& footage = *request.footage;
-    const media::PictureReader::Plan plan{
-        .threshold = threshold,
-        .longestGapTicks = longestGapFor(request),
-        .shortestKeptTicks = request.wantsKeyFrames ? shortestKept : 0,
-        .threads = 0};
     PictureShelf::instance().makeRoom();
-    media::PictureReader reader(footage.file(), footage.facts(), plan, stop, [&](double share) {
-        progress.report(static_cast<std::int32_t>(share * 100));
-    });
+    media::PictureReader reader(
+        footage.file(), footage.facts(), planFor(request, threshold), stop,
+        [&](double share) { progress.report(static_cast<std::int32_t>(share * 100)); });
     scenes::SceneAnalysis analysis(threshold);
     scenes::PictureFeatures picture;
     std::int64_t pictures = 0;
