@@ -156,6 +156,10 @@ void Decoder::leaveOutUnneeded(bool leavesOut) {
     context_->skip_frame = leavesOut ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
 }
 
+void Decoder::smoothEdges(bool smooths) {
+    context_->skip_loop_filter = smooths ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+}
+
 const AVFrame* Decoder::receive() {
     for (;;) {
         const int result = avcodec_receive_frame(context_.get(), frame_.get());

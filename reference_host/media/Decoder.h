@@ -50,6 +50,10 @@ public:
     /// then. Only where givesNewest().
     void leaveOutUnneeded(bool leavesOut);
 
+    /// Has the edges of blocks smoothed or not, from the next packet on; a quick decoder begins
+    /// without. What is not smoothed is passed on to all pictures that are predicted from it.
+    void smoothEdges(bool smooths);
+
     /// Prepares for packets from another place of the stream; frames not yet received are dropped.
     void forget() { avcodec_flush_buffers(context_.get()); }
 

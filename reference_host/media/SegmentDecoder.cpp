@@ -1,6 +1,7 @@
 #include "reference_host/media/SegmentDecoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <map>
 #include <set>
@@ -32,6 +33,11 @@ constexpr std::ptrdiff_t picturesOfPace = 4;
 constexpr double paceWeight = 0.25;
 constexpr double largestTimesPace = 3;
 constexpr double largestBesidePace = 3;
+
+/// From so many pictures on it is known whether the light changes; it does where the contrast of
+/// two neighbours differs by this part.
+constexpr int leastForLight = 3;
+constexpr double steadyLightPart = 0.02;
 
 double differenceOf(const scenes::PictureFeatures& before, const scenes::PictureFeatures& after) {
     return scenes::differenceBetween(before.thumbnail, after.thumbnail).overall;
@@ -227,6 +233,7 @@ private:
         isInChain_ = true;
         Decoder& chain = owner_.chain_;
         if (chain.givesNewest()) chain.leaveOutUnneeded(isBetweenPicturesOfOneScene(packet.pts));
+        chain.smoothEdges(isLightChanging());
         chain.send(&packet);
         if (const AVFrame* frame = chain.givesNewest() ? chain.newest() : nullptr) {
             if (isShown(packet)) {
@@ -252,9 +259,20 @@ private:
         receive();
         chain.forget();
         newest_ = pictures_.end();
+        inChain_ = 0;
         const bool isComplete = std::exchange(awaited_, 0) <= 0 || !chain.givesNewest() ||
                                 std::exchange(isSpoilt_, false);
         if (!isComplete && !owner_.stop_.stop_requested()) throw NotDivisible{};
+    }
+
+    /// Says whether the scene becomes darker or brighter, as far as is known. Coders then predict
+    /// pictures by scaling others, which makes every small error grow: of blocks whose edges are
+    /// not smoothed nothing recognisable may be left.
+    bool isLightChanging() const {
+        if (newest_ == pictures_.end() || inChain_ < leastForLight) return true;
+        const double contrast = newest_->second.contrast;
+        const double before = std::prev(newest_)->second.contrast;
+        return std::abs(contrast - before) > steadyLightPart * std::max(contrast, before);
     }
 
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
@@ -276,6 +294,7 @@ private:
         const std::optional<scenes::PictureFeatures> features = featuresOf(frame);
         if (!features) return;
         newest_ = pictures_.insert_or_assign(timestamp, *features).first;
+        ++inChain_;
         keep(frame, timestamp, *features);
         if (newest_ != pictures_.begin()) followPace();
     }
@@ -341,6 +360,8 @@ private:
     std::vector<KeyView> keyViews_;
     /// The picture that the chain has decoded last.
     Pictures::iterator newest_ = pictures_.end();
+    /// How many pictures the chain has given since it began.
+    int inChain_ = 0;
     /// How much pictures usually change from one to the next.
     double pace_ = 0;
     /// The chain has decoded everything up to here without a gap.

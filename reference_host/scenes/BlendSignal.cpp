@@ -39,9 +39,9 @@ constexpr float weightOfLouderSide = 0.4F;
 /// by a pixel or two is a steady mix of its ends, too.
 constexpr float leastUnexplained = 0.5F;
 
-/// Across a longer step than this part of it, a blend is a guess: pictures are missing there, and
-/// one step may well be a cut.
-constexpr std::int64_t leastStepsOfBlend = 3;
+/// Across a longer step than this part of its length, a blend is a guess: pictures are missing
+/// there, and one step may well be a cut.
+constexpr std::int64_t leastStepsOfBlend = 4;
 
 /// Weaker blends are none, at whatever threshold: less than coding noise makes.
 constexpr float smallestStrength = 2.0F;

@@ -37,6 +37,9 @@ constexpr std::size_t cutClearance = 2;
 /// Dissolves that are no further apart are pieces of one.
 constexpr std::size_t dissolveClearance = 3;
 
+/// How many times the mean change in a dissolve one step at its ends may reach.
+constexpr double largestTimesStep = 2.0;
+
 /// A picture with less contrast is plain.
 constexpr float plainContrast = 2.0F;
 
@@ -161,6 +164,34 @@ bool isInMiddleOf(const Transition& dissolve, std::size_t frame) {
     return dissolve.begin + quarter <= frame && frame < dissolve.end - quarter;
 }
 
+/// Returns what the changes in a dissolve add up to.
+double changeIn(const Transition& dissolve, std::span<const FrameSignal> signals) {
+    double sum = 0;
+    for (const FrameSignal& signal :
+         signals.subspan(dissolve.begin, dissolve.end - dissolve.begin)) {
+        sum += signal.change;
+    }
+    return sum;
+}
+
+/// Says whether a cut in a dissolve is most of what changes there: then it is all that there is.
+bool isMadeOf(const Transition& dissolve, const Transition& cut,
+              std::span<const FrameSignal> signals) {
+    const bool isInside = dissolve.begin <= cut.boundary && cut.boundary < dissolve.end;
+    return isInside && signals[cut.boundary].lastingChange > changeIn(dissolve, signals) / 2;
+}
+
+/// Says whether a cut next to a dissolve is but one more of its steps: the ends of a dissolve are
+/// known to a few frames only.
+bool isStepOf(const Transition& dissolve, const Transition& cut,
+              std::span<const FrameSignal> signals) {
+    const bool isBeside = cut.boundary <= dissolve.end + dissolveClearance &&
+                          dissolve.begin <= cut.boundary + dissolveClearance;
+    const double step =
+        changeIn(dissolve, signals) / static_cast<double>(dissolve.end - dissolve.begin);
+    return isBeside && signals[cut.boundary].lastingChange <= largestTimesStep * step;
+}
+
 /// Shortens a dissolve so that it holds none of the cuts, which are outside its middle.
 void endAtCuts(Transition& dissolve, std::span<const Transition> cuts) {
     for (const Transition& cut : cuts) {
@@ -277,9 +308,13 @@ std::vector<Transition> joinFades(std::span<const FrameSignal> signals,
 std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, double threshold) {
     std::vector<Transition> dissolves = findDissolves(signals, threshold);
     std::vector<Transition> transitions = findCuts(signals, threshold);
+    std::erase_if(dissolves, [&](const Transition& dissolve) {
+        return std::any_of(transitions.begin(), transitions.end(),
+                           [&](const Transition& cut) { return isMadeOf(dissolve, cut, signals); });
+    });
     std::erase_if(transitions, [&](const Transition& cut) {
         return std::any_of(dissolves.begin(), dissolves.end(), [&](const Transition& dissolve) {
-            return isInMiddleOf(dissolve, cut.boundary);
+            return isInMiddleOf(dissolve, cut.boundary) || isStepOf(dissolve, cut, signals);
         });
     });
     for (Transition& dissolve : dissolves)
