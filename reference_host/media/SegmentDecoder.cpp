@@ -71,7 +71,8 @@ public:
         for (std::size_t i = 0; i < segment_.groups.size(); ++i) {
             if (!leaveOutWhole(i)) decode(i, packetsNeeded(i));
             keyViews_[i].frame.reset();
-            tellOf(segment_.groups[i].size() - std::exchange(told_, 0));
+            tellUpTo(segment_.groups[i].size());
+            told_ = 0;
         }
         // Behind the key frame that comes next there may be pictures that are shown before it.
         if (isInChain_ && segment_.next.size() > 1) {
@@ -158,8 +159,7 @@ private:
             }
             if (isEntered && group[i]->pts < group.front()->pts) continue;
             send(*group[i]);
-            tellOf(1);
-            ++told_;
+            tellUpTo(i + 1);
         }
     }
 
@@ -260,8 +260,9 @@ private:
         chain.forget();
         newest_ = pictures_.end();
         inChain_ = 0;
-        const bool isComplete = std::exchange(awaited_, 0) <= 0 || !chain.givesNewest() ||
-                                std::exchange(isSpoilt_, false);
+        const bool wasSpoilt = std::exchange(isSpoilt_, false);
+        const bool isComplete =
+            std::exchange(awaited_, 0) <= 0 || wasSpoilt || !chain.givesNewest();
         if (!isComplete && !owner_.stop_.stop_requested()) throw NotDivisible{};
     }
 
@@ -332,8 +333,11 @@ private:
 
     std::int64_t damagedSoFar() const { return owner_.chain_.damaged() - forgiven_; }
 
-    void tellOf(std::size_t packets) {
-        tell_(static_cast<double>(packets) / static_cast<double>(packets_));
+    /// Tells that so many packets of the group are done, unless that has been told.
+    void tellUpTo(std::size_t packets) {
+        if (packets <= told_) return;
+        tell_(static_cast<double>(packets - told_) / static_cast<double>(packets_));
+        told_ = packets;
     }
 
     SegmentView view(std::int64_t damaged) {
@@ -355,6 +359,7 @@ private:
     const Segment& segment_;
     const Tell& tell_;
     std::size_t packets_ = 0;
+    /// How many packets of the current group have been told of.
     std::size_t told_ = 0;
     Pictures pictures_;
     std::vector<KeyView> keyViews_;
