@@ -165,9 +165,9 @@ TEST(BringNoScene, FirstAndLastPacketCount) {
 
 // What holds for any group.
 
-/// A group of any size and order; mostly of packets that are much alike.
+/// A group of any size and order; mostly of packets that are much alike, but for a few.
 Group anyGroup() {
-    const auto size = *rc::gen::inRange<std::size_t>(1, 60);
+    const auto size = *rc::gen::resize(rc::kNominalSize, rc::gen::inRange<std::size_t>(1, 60));
     const auto spread = *rc::gen::element<std::int64_t>(1, 10, 60, 1000);
     const auto key = *rc::gen::inRange<std::int64_t>(0, 20000);
     Group group;
@@ -175,6 +175,10 @@ Group anyGroup() {
         const auto bytes = i == 0 ? key : 100 + *rc::gen::inRange<std::int64_t>(0, spread);
         group.push_back({40 * static_cast<std::int64_t>(i), bytes});
     }
+    const auto large = *rc::gen::container<std::vector<std::size_t>>(
+        *rc::gen::element<std::size_t>(0, 1, 1, 2), rc::gen::inRange<std::size_t>(0, size / 2 + 1));
+    for (const std::size_t i : large)
+        group[i].bytes += *rc::gen::inRange<std::int64_t>(0, 2000);
     return *rc::gen::arbitrary<bool>() ? withTwoBFrames(group) : group;
 }
 
