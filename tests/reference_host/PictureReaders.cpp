@@ -9,6 +9,7 @@ namespace reference_host_tests {
 
 using reference_host::media::FootageFacts;
 using reference_host::media::PictureReader;
+using reference_host::scenes::PictureFeatures;
 
 std::unique_ptr<PictureReader> readerOfAll(const std::filesystem::path& file,
                                            std::stop_token stop) {
@@ -19,22 +20,26 @@ std::unique_ptr<PictureReader> readerOfAll(const std::filesystem::path& file,
 }
 
 std::unique_ptr<PictureReader> readerForScenes(const std::filesystem::path& file,
-                                               std::int64_t longestGapTicks, std::stop_token stop) {
-    return std::make_unique<PictureReader>(file, reference_host::media::inspect(file),
-                                           PictureReader::Plan{.longestGapTicks = longestGapTicks},
+                                               const PictureReader::Plan& plan,
+                                               std::stop_token stop) {
+    return std::make_unique<PictureReader>(file, reference_host::media::inspect(file), plan,
                                            std::move(stop), [](double) {});
 }
 
-std::vector<std::int64_t> positionsOf(PictureReader& reader) {
-    reference_host::scenes::PictureFeatures picture;
-    std::vector<std::int64_t> positions;
-    while (reader.next(picture))
-        positions.push_back(picture.positionTicks);
-    return positions;
+std::vector<PictureFeatures> picturesOf(PictureReader& reader) {
+    std::vector<PictureFeatures> pictures;
+    for (PictureFeatures picture; reader.next(picture);)
+        pictures.push_back(picture);
+    return pictures;
 }
 
 std::vector<std::int64_t> positionsOf(const std::filesystem::path& file) {
-    return positionsOf(*readerOfAll(file));
+    const auto reader = readerOfAll(file);
+    PictureFeatures picture;
+    std::vector<std::int64_t> positions;
+    while (reader->next(picture))
+        positions.push_back(picture.positionTicks);
+    return positions;
 }
 
 }  // namespace reference_host_tests

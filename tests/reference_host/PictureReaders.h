@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "reference_host/media/PictureReader.h"
+#include "reference_host/scenes/PictureFeatures.h"
 
 namespace reference_host_tests {
 
@@ -15,13 +16,14 @@ namespace reference_host_tests {
 std::unique_ptr<reference_host::media::PictureReader> readerOfAll(const std::filesystem::path& file,
                                                                   std::stop_token stop = {});
 
-/// Returns a reader that leaves out whatever a look for scenes does not need. `longestGapTicks` is
-/// how long a stretch without a picture may be.
+/// Returns a reader that leaves out whatever a look for scenes does not need.
 std::unique_ptr<reference_host::media::PictureReader> readerForScenes(
-    const std::filesystem::path& file, std::int64_t longestGapTicks, std::stop_token stop = {});
+    const std::filesystem::path& file, const reference_host::media::PictureReader::Plan& plan,
+    std::stop_token stop = {});
 
-/// Returns where the pictures that `reader` has left to give stand.
-std::vector<std::int64_t> positionsOf(reference_host::media::PictureReader& reader);
+/// Returns the pictures that `reader` has left to give.
+std::vector<reference_host::scenes::PictureFeatures> picturesOf(
+    reference_host::media::PictureReader& reader);
 
 /// Returns where all pictures of a file stand.
 std::vector<std::int64_t> positionsOf(const std::filesystem::path& file);
