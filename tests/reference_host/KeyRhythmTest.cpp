@@ -55,6 +55,14 @@ TEST(KeyRhythm, LengthsAreTheSameUpToAFiftieth) {
     EXPECT_FALSE(isInTurn(rhythmOf({250, 100, 97, 250}), 100));
 }
 
+TEST(KeyRhythm, EverythingIsInTurnBetweenKeyFramesThatWereLeftOut) {
+    // Of groups of 250, every second begin is known.
+    const KeyRhythm rhythm = rhythmOf({500, 500, 370, 500});
+    EXPECT_TRUE(isInTurn(rhythm, 250));
+    EXPECT_TRUE(isInTurn(rhythm, 120));
+    EXPECT_FALSE(isInTurn(rhythm, 370));
+}
+
 /// Lengths of groups as a coder makes them: `usual` in turn, shorter ones where it saw a scene.
 std::vector<std::int64_t> anyLengths() {
     const auto usual = *rc::gen::inRange<std::int64_t>(2, 100'000);
