@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <map>
+#include <memory>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -95,6 +98,15 @@ TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
         EXPECT_TRUE(areEqual(picture.thumbnail, all[picture.positionTicks]))
             << picture.positionTicks << " shows " << numberOf(picture.thumbnail);
     }
+}
+
+TEST_P(ScenePictures, AreAllWhereNothingMayBeTakenForTheSame) {
+    const FootageFiles files;
+    const auto file = makeNumbered(files, GetParam().name, 240, GetParam().arguments);
+    std::vector<std::int64_t> positions;
+    for (const PictureFeatures& picture : picturesOf(*readerForScenes(file, {.threshold = 1e-6})))
+        positions.push_back(picture.positionTicks);
+    EXPECT_EQ(positions, positionsOf(file));
 }
 
 /// Three sceneries of four, three and three seconds, with a slow movement in each.
@@ -228,6 +240,75 @@ TEST(ScenePictures, TellHowMuchIsDone) {
         EXPECT_GE(*std::min_element(told.begin(), told.end()), 0);
         EXPECT_LE(*std::max_element(told.begin(), told.end()), 1);
     }
+}
+
+TEST(ScenePictures, GoOnOneByOneWhereAGroupIsTooLong) {
+    const FootageFiles files;
+    // Five pictures a second for 40 seconds and a hundred a second for 16, which are one group.
+    const auto file = files.make(
+        "a.mkv", movingPictures(1800) +
+                     " -vf \"settb=1/1000,setpts='if(lt(N,200),N*200,40000+(N-200)*10)'\" "
+                     "-vsync passthrough -enc_time_base 1/1000 -c:v libx264 -preset ultrafast "
+                     "-bf 0 -g 9999 -sc_threshold 0 "
+                     "-force_key_frames 'expr:gte(t,n_forced*4)*lte(t,40)'");
+    ASSERT_EQ(reference_host::media::inspect(file).keyTimestamps.size(), 11U);
+    const auto alone =
+        picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds, .threads = 1}));
+    EXPECT_LT(alone.size(), 1800U) << "of what is before it, something is left out";
+    std::int64_t before = -1;
+    std::int64_t dense = 0;
+    for (const PictureFeatures& picture : alone) {
+        EXPECT_LT(std::exchange(before, picture.positionTicks), picture.positionTicks);
+        if (picture.positionTicks >= 4 * tenSeconds) ++dense;
+    }
+    EXPECT_EQ(dense, 1600);
+    for (const unsigned threads : {2U, 3U, 4U, 4U}) {
+        const auto pictures =
+            picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds, .threads = threads}));
+        EXPECT_TRUE(
+            std::equal(alone.begin(), alone.end(), pictures.begin(), pictures.end(), areTheSame))
+            << threads << ' ' << pictures.size() << ' ' << alone.size();
+    }
+}
+
+TEST(ScenePictures, OfADamagedFileAreTheSameWithAnyNumberOfThreads) {
+    const FootageFiles files;
+    std::mt19937 random(1);
+    std::int64_t damaged = 0;
+    for (const Storage& storage :
+         {simple, Storage{"a.mkv", x265 + ":open-gop=1"}, Storage{"a.ts", mpeg2},
+          Storage{"b.mp4", "-c:v mpeg4 -q:v 2 -g 25 -bf 2"},
+          Storage{"a.webm", "-c:v libvpx-vp9 -b:v 1M -cpu-used 8 -g 25"}}) {
+        SCOPED_TRACE(storage.name);
+        const auto file = makeScenes(files, storage);
+        const FootageFacts facts = reference_host::media::inspect(file);
+        const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
+        for (int i = 0; i < 12; ++i) {
+            const auto at = static_cast<std::int64_t>(random() % 60 + 20) * size / 100;
+            FootageFiles::patch(file, at, std::string(24, static_cast<char>(random())));
+        }
+        const auto readWith = [&](unsigned threads) {
+            return std::make_unique<PictureReader>(
+                file, facts, Plan{.longestGapTicks = tenSeconds, .threads = threads},
+                std::stop_token(), [](double) {});
+        };
+        const auto alone = readWith(1);
+        const std::vector<PictureFeatures> expected = picturesOf(*alone);
+        ASSERT_FALSE(expected.empty());
+        for (std::size_t i = 1; i < expected.size(); ++i)
+            EXPECT_LT(expected[i - 1].positionTicks, expected[i].positionTicks);
+        damaged += alone->damage().damaged;
+        for (const unsigned threads : {2U, 4U, 4U, 4U}) {
+            const auto reader = readWith(threads);
+            const std::vector<PictureFeatures> pictures = picturesOf(*reader);
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end(), pictures.begin(),
+                                   pictures.end(), areTheSame))
+                << threads << ' ' << expected.size() << ' ' << pictures.size();
+            EXPECT_EQ(reader->damage().damaged, alone->damage().damaged) << threads;
+            EXPECT_EQ(reader->damage().all, alone->damage().all) << threads;
+        }
+    }
+    EXPECT_GT(damaged, 0) << "decoders of some formats notice";
 }
 
 TEST(ScenePictures, OfACutOffFileEndWithIt) {
