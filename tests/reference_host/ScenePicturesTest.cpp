@@ -78,14 +78,11 @@ bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
            a.goesOn == b.goesOn && areEqual(a.thumbnail, b.thumbnail);
 }
 
-TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
-    constexpr int frames = 240;
-    const FootageFiles files;
-    const auto file = makeNumbered(files, GetParam().name, frames, GetParam().arguments);
+/// Expects what is given of a file for its scenes to be what comes of decoding all of it.
+void expectTheVeryPictures(const std::filesystem::path& file) {
     std::map<std::int64_t, Thumbnail> all;
     for (const PictureFeatures& picture : picturesOf(*readerOfAll(file)))
         all[picture.positionTicks] = picture.thumbnail;
-    ASSERT_EQ(all.size(), std::size_t{frames});
 
     const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds}));
 
@@ -98,15 +95,6 @@ TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
         EXPECT_TRUE(areEqual(picture.thumbnail, all[picture.positionTicks]))
             << picture.positionTicks << " shows " << numberOf(picture.thumbnail);
     }
-}
-
-TEST_P(ScenePictures, AreAllWhereNothingMayBeTakenForTheSame) {
-    const FootageFiles files;
-    const auto file = makeNumbered(files, GetParam().name, 240, GetParam().arguments);
-    std::vector<std::int64_t> positions;
-    for (const PictureFeatures& picture : picturesOf(*readerForScenes(file, {.threshold = 1e-6})))
-        positions.push_back(picture.positionTicks);
-    EXPECT_EQ(positions, positionsOf(file));
 }
 
 /// Three sceneries of four, three and three seconds, with a slow movement in each.
@@ -122,6 +110,21 @@ std::filesystem::path makeScenes(const FootageFiles& files, const Storage& stora
                                         "setsar=1[b];[2]format=yuv420p,setsar=1[c];"
                                         "[a][b][c]concat=n=3:v=1\" " +
                                         storage.arguments);
+}
+
+TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
+    const FootageFiles files;
+    expectTheVeryPictures(makeNumbered(files, GetParam().name, 240, GetParam().arguments));
+    expectTheVeryPictures(makeScenes(files, GetParam()));
+}
+
+TEST_P(ScenePictures, AreAllWhereNothingMayBeTakenForTheSame) {
+    const FootageFiles files;
+    const auto file = makeNumbered(files, GetParam().name, 240, GetParam().arguments);
+    std::vector<std::int64_t> positions;
+    for (const PictureFeatures& picture : picturesOf(*readerForScenes(file, {.threshold = 1e-6})))
+        positions.push_back(picture.positionTicks);
+    EXPECT_EQ(positions, positionsOf(file));
 }
 
 std::vector<std::int64_t> beginsOfScenes(PictureReader& reader) {
@@ -189,6 +192,21 @@ TEST(ScenePictures, OfAStillAreFewButNeverTooFarApart) {
     EXPECT_LT(few, 40U);
     EXPECT_GT(more, few);
     EXPECT_LT(more, 500U);
+}
+
+TEST(ScenePictures, GoOnWhereWhatIsBetweenIsLeftOut) {
+    const FootageFiles files;
+    // Of several segments: it goes on from one to the next, too.
+    const auto file = files.make(
+        "a.mp4", "-f lavfi -i smptebars=size=160x96:rate=25:duration=20 -c:v libx264 -g 75");
+    const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds}));
+    std::vector<std::int64_t> positions;
+    for (const PictureFeatures& picture : pictures) {
+        if (picture.goesOn) positions.push_back(picture.positionTicks);
+    }
+    EXPECT_EQ(positions,
+              (std::vector<std::int64_t>{75 * stepTicks, 150 * stepTicks, 225 * stepTicks,
+                                         300 * stepTicks, 375 * stepTicks, 450 * stepTicks}));
 }
 
 TEST(ScenePictures, CountAllFramesThoughFewAreDecoded) {
