@@ -27,8 +27,10 @@ bool KeyRhythm::isInTurn(std::int64_t key, std::int64_t nextKey) const {
     if (lengths_.empty() || length + slack >= lengths_.back()) return true;
     const auto first = std::lower_bound(lengths_.begin(), lengths_.end(), length - slack);
     const auto last = std::upper_bound(first, lengths_.end(), length + slack);
+    // A group that is not even found itself is one between key frames that were left out.
+    if (first == last) return true;
     const std::ptrdiff_t others = last - first - 1;
-    return others > 0 && others * groupsOfOneUsual >= std::ssize(lengths_);
+    return others * groupsOfOneUsual >= std::ssize(lengths_);
 }
 
 }  // namespace reference_host::media

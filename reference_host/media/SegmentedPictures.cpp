@@ -42,18 +42,22 @@ SegmentedPictures::~SegmentedPictures() {
 }
 
 void SegmentedPictures::work() {
+    std::int64_t number = 0;
     try {
-        decodeSegments();
+        decodeSegments(number);
     } catch (...) {
         const std::scoped_lock lock(mutex_);
-        if (!failure_) failure_ = std::current_exception();
+        if (!failure_ || number < failed_) {
+            failure_ = std::current_exception();
+            failed_ = number;
+        }
         changed_.notify_all();
     }
 }
 
-void SegmentedPictures::decodeSegments() {
+void SegmentedPictures::decodeSegments(std::int64_t& number) {
     SegmentDecoder decoder(container_->video(), plan_, end_.get_token());
-    while (const std::optional<Segment> segment = takeSegment()) {
+    while (const std::optional<Segment> segment = takeSegment(number)) {
         SegmentView view = decoder.decode(*segment, [&](double part) { handle(*segment, part); });
         const std::scoped_lock lock(mutex_);
         waiting_ += view.pictures.size();
@@ -62,13 +66,14 @@ void SegmentedPictures::decodeSegments() {
     }
 }
 
-std::optional<Segment> SegmentedPictures::takeSegment() {
+std::optional<Segment> SegmentedPictures::takeSegment(std::int64_t& number) {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] {
         return end_.stop_requested() || failure_ || isReadWhole_ || waiting_ < mostWaiting ||
                taken_ < wanted_ + workerCount_;
     });
     if (end_.stop_requested() || failure_ || isReadWhole_) return std::nullopt;
+    number = taken_;
     std::optional<Segment> segment = segments_.next();
     if (segment) {
         ++taken_;
@@ -99,7 +104,7 @@ bool SegmentedPictures::waitForView() {
             changed_.notify_all();
             return true;
         }
-        if (failure_) std::rethrow_exception(failure_);
+        if (failure_ && wanted_ >= failed_) std::rethrow_exception(failure_);
         if (isReadWhole_ && wanted_ == taken_) return false;
         const double share = std::min(1.0, handled_ / length_);
         lock.unlock();

@@ -45,8 +45,9 @@ public:
 
 private:
     void work();
-    void decodeSegments();
-    std::optional<Segment> takeSegment();
+    /// Both say by `number` which segment they are at.
+    void decodeSegments(std::int64_t& number);
+    std::optional<Segment> takeSegment(std::int64_t& number);
     void handle(const Segment& segment, double part);
     bool waitForView();
 
@@ -69,6 +70,9 @@ private:
     /// How many pictures that makes.
     std::size_t waiting_ = 0;
     std::exception_ptr failure_;
+    /// The first segment that failed: those before it are still given, so that what is given does
+    /// not depend on who was faster.
+    std::int64_t failed_ = 0;
     /// The segment that is given next, and how many there have been.
     std::int64_t wanted_ = 0;
     std::int64_t taken_ = 0;
