@@ -80,7 +80,7 @@ public:
     using Pictures = std::map<std::int64_t, std::shared_ptr<const media::StoredPicture>>;
 
     /// Takes pictures that may be asked for soon, in the place of those before. They stay until
-    /// the next footage needs their memory.
+    /// they have been looked at or another footage needs their memory.
     void keepPictures(Pictures pictures);
 
     /// Returns the picture that was kept for `positionTicks`; null where there is none.

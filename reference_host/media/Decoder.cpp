@@ -101,7 +101,10 @@ void Decoder::open(const AVCodec& codec, Threads threads, Quality quality, int h
     context_->get_buffer2 = allocate;
     allowThreadsToAllocate(*context_);
     context_->lowres = halvings;
-    if (quality == Quality::quick) context_->skip_loop_filter = AVDISCARD_ALL;
+    // With several threads, nobody sees in time where the filter is needed after all.
+    if (quality == Quality::quick) {
+        context_->skip_loop_filter = threads == Threads::one ? AVDISCARD_ALL : AVDISCARD_NONREF;
+    }
     context_->thread_count = threadCount(parameters, threads);
     const FirstError error;
     if (avcodec_open2(context_.get(), &codec, nullptr) < 0) {

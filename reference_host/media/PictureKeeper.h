@@ -17,7 +17,7 @@ struct KeptPicture {
     std::int64_t timestamp = 0;
     /// See scenes::PictureFeatures.
     float sharpness = 0;
-    /// Null where there was no memory for it.
+    /// Null where it cannot be made.
     std::shared_ptr<const StoredPicture> picture;
 };
 

@@ -26,8 +26,8 @@ constexpr unsigned mostThreads = 16;
 /// packets of all of them.
 constexpr std::int64_t mostPicturesBetweenKeys = 1200;
 
-/// What the pictures that are kept of one video may take: most of all there is.
-constexpr std::int64_t keptBytes = PictureMemory::limitBytes / 8 * 7;
+/// What the pictures that are kept of one video may take together.
+constexpr std::int64_t keptBytes = std::int64_t{56} << 20;
 
 /// Formats whose key frames stand for themselves, and for which decoders know no pictures across
 /// them. Others have key frames in name only, or keep a canvas that is drawn on.

@@ -22,7 +22,7 @@ public:
         double threshold = 3.0;
         /// How long a stretch may be of which no picture is given, in ticks.
         LongestGap gap;
-        /// Pictures are kept, as many as there is memory for, but not of shorter stretches than
+        /// Pictures are kept, as many as take 56 MiB together, but not of shorter stretches than
         /// this each; 0 for none.
         std::int64_t shortestKeptTicks = 0;
         /// How many threads decode; 0 for as many as help.
@@ -50,7 +50,7 @@ public:
     /// A picture that was kept and where it is shown.
     struct Kept {
         std::int64_t positionTicks = 0;
-        /// Null where there was no memory for it.
+        /// Null where it cannot be made.
         std::shared_ptr<const StoredPicture> picture;
     };
 

@@ -71,8 +71,7 @@ private:
     std::unique_ptr<FrameReader> open() const {
         // A photo may be as large as memory allows; of it, there is only one frame to wait for.
         return isVideo_ ? std::make_unique<FrameReader>(file_, Decoder::Threads::several,
-                                                        Decoder::Size::full, stop_,
-                                                        Decoder::Quality::quick)
+                                                        Decoder::Size::full, stop_)
                         : std::make_unique<FrameReader>(file_, Decoder::Threads::one,
                                                         Decoder::Size::reduced, stop_);
     }

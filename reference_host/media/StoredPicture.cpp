@@ -22,10 +22,7 @@ std::size_t storedBytes(int widthPx, int heightPx) {
 
 std::shared_ptr<const StoredPicture> PictureMemory::keep(StoredPicture picture) {
     const std::int64_t bytes = sizeOf(picture);
-    if (taken.fetch_add(bytes) + bytes > limitBytes) {
-        taken -= bytes;
-        return nullptr;
-    }
+    taken += bytes;
     return {new StoredPicture(std::move(picture)), [bytes](const StoredPicture* kept) {
                 delete kept;
                 taken -= bytes;

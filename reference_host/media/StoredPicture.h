@@ -27,16 +27,13 @@ struct StoredPicture {
 /// Returns the bytes that a stored picture of this size takes.
 std::size_t storedBytes(int widthPx, int heightPx);
 
-/// Allots the memory that all pictures kept in the process may take together. Any thread.
+/// Counts the memory of all pictures that are kept in the process. Any thread.
 class PictureMemory {
 public:
-    static constexpr std::int64_t limitBytes = std::int64_t{64} << 20;
-
-    /// Returns the picture, to be kept until its last holder lets go of it; null where all memory
-    /// is allotted.
+    /// Returns the picture, which counts until its last holder lets go of it.
     static std::shared_ptr<const StoredPicture> keep(StoredPicture picture);
 
-    /// How much is allotted now.
+    /// How much is kept now.
     static std::int64_t takenBytes();
 };
 

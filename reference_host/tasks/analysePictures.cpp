@@ -11,6 +11,7 @@
 
 #include "reference_host/media/PositionReader.h"
 #include "reference_host/tasks/FaceDetectors.h"
+#include "reference_host/tasks/PictureShelf.h"
 #include "reference_host/tasks/inParallel.h"
 #include "reference_host/vision/measures.h"
 
@@ -165,6 +166,8 @@ void analysePictures(const AnalysisRequest& request, const std::stop_token& stop
     std::vector<std::int64_t> positions = positionsOf(request);
     if (positions.empty()) return;
     PictureRun(request, std::move(positions), results).finish(stop, progress);
+    // Most runs look at pictures once.
+    PictureShelf::instance().put(request.footage, {});
 }
 
 }  // namespace reference_host

@@ -69,7 +69,7 @@ void keepPictures(const std::shared_ptr<Footage>& footage,
 Record decode(const AnalysisRequest& request, double threshold, const std::stop_token& stop,
               ProgressMeter& progress) {
     Footage& footage = *request.footage;
-    PictureShelf::instance().makeRoom();
+    const PictureShelf::Use use;
     media::PictureReader reader(
         footage.file(), footage.facts(), planFor(request, threshold), stop,
         [&](double share) { progress.report(static_cast<std::int32_t>(share * 100)); });
