@@ -55,6 +55,12 @@ bool decodesAtOnce(AVCodecID codec) {
     }
 }
 
+/// Says whether a decoder asks for the memory of frames that it makes up, in the place of missing
+/// ones, before that of the packet's own; others do so behind it.
+bool makesUpFramesFirst(AVCodecID codec) {
+    return codec == AV_CODEC_ID_H264;
+}
+
 /// Has get_buffer2 called by the decoder's threads themselves: otherwise older versions of FFmpeg
 /// make them take turns. Newer ones expect it of every such function.
 void allowThreadsToAllocate([[maybe_unused]] AVCodecContext& context) {
@@ -122,6 +128,8 @@ int Decoder::allocate(AVCodecContext* context, AVFrame* frame, int flags) {
     }
     const int result = avcodec_default_get_buffer2(context, frame, flags);
     if (result < 0 || !decoder.newest_) return result;
+    const bool hasNewest = decoder.newest_->buf[0] != nullptr;
+    if (hasNewest && !makesUpFramesFirst(context->codec_id)) return result;
     av_frame_unref(decoder.newest_.get());
     return av_frame_ref(decoder.newest_.get(), frame);
 }

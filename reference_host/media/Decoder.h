@@ -75,7 +75,8 @@ private:
     /// What was learnt from it: how often it can be halved.
     int halvings_ = 0;
     AvPointer<AVFrame> frame_;
-    /// What memory was given to last; null where that is not to be known.
+    /// What memory was given to for the last packet's own frame; null where that is not to be
+    /// known.
     AvPointer<AVFrame> newest_;
     std::int64_t decoded_ = 0;
     std::int64_t incomplete_ = 0;

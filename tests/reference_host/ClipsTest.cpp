@@ -6,6 +6,7 @@
 #include "reference_host/ReferenceHost.h"
 #include "tests/reference_host/AnalysisRun.h"
 #include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
 
 namespace reference_host_tests {
 namespace {

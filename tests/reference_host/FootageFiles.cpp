@@ -6,8 +6,6 @@
 #include <stdexcept>
 
 #include "reference_host/ReferenceHost.h"
-#include "reference_host/media/PictureReader.h"
-#include "reference_host/media/inspect.h"
 
 namespace reference_host_tests {
 
@@ -78,15 +76,6 @@ KOR::IDmBaseMedia& mediaOf(const Holder<KOR::IDmBaseObj>& material) {
 KOR::IDmMediaSource& sourceOf(const Holder<KOR::IDmBaseObj>& material) {
     return *static_cast<KOR::IDmSourceMedia*>(material->queryInterface("IDmSourceMedia"))
                 ->getSource();
-}
-
-std::vector<std::int64_t> positionsOf(const std::filesystem::path& file) {
-    reference_host::media::PictureReader reader(file, reference_host::media::inspect(file), {});
-    reference_host::scenes::PictureSample picture;
-    std::vector<std::int64_t> positions;
-    while (reader.next(picture))
-        positions.push_back(picture.positionTicks);
-    return positions;
 }
 
 std::vector<std::int64_t> evenPositions(int frames) {

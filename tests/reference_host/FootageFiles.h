@@ -56,9 +56,6 @@ std::string refusalOf(const std::filesystem::path& file);
 KOR::IDmBaseMedia& mediaOf(const Holder<KOR::IDmBaseObj>& material);
 KOR::IDmMediaSource& sourceOf(const Holder<KOR::IDmBaseObj>& material);
 
-/// Returns where the pictures of a file stand, as a run reads them.
-std::vector<std::int64_t> positionsOf(const std::filesystem::path& file);
-
 /// Returns the positions of `frames` pictures, 25 a second.
 std::vector<std::int64_t> evenPositions(int frames);
 

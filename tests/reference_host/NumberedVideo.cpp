@@ -1,7 +1,7 @@
 #include "tests/reference_host/NumberedVideo.h"
 
-#include "reference_host/media/PictureReader.h"
-#include "reference_host/media/inspect.h"
+#include "reference_host/scenes/PictureFeatures.h"
+#include "tests/reference_host/PictureReaders.h"
 
 namespace reference_host_tests {
 namespace {
@@ -41,19 +41,21 @@ int numberOf(const reference_host::vision::Picture& picture) {
     });
 }
 
+int numberOf(const reference_host::scenes::Thumbnail& thumbnail) {
+    using namespace reference_host::scenes;
+    return readNumber([&](double x, double y) {
+        const auto column = static_cast<std::size_t>(x * thumbnailWidthPx);
+        const auto row = static_cast<std::size_t>(y * thumbnailHeightPx);
+        return thumbnail.luma[row * thumbnailWidthPx + column];
+    });
+}
+
 std::vector<NumberedPicture> numberedPictures(const std::filesystem::path& file) {
-    using namespace reference_host;
-    media::PictureReader reader(file, media::inspect(file), {});
-    scenes::PictureSample sample;
+    const auto reader = readerOfAll(file);
+    reference_host::scenes::PictureFeatures picture;
     std::vector<NumberedPicture> pictures;
-    while (reader.next(sample)) {
-        const int number = readNumber([&](double x, double y) {
-            const auto column = static_cast<std::size_t>(x * scenes::lumaWidthPx);
-            const auto row = static_cast<std::size_t>(y * scenes::lumaHeightPx);
-            return sample.luma[row * scenes::lumaWidthPx + column];
-        });
-        pictures.push_back({sample.positionTicks, number});
-    }
+    while (reader->next(picture))
+        pictures.push_back({picture.positionTicks, numberOf(picture.thumbnail)});
     return pictures;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "reference_host/scenes/Thumbnail.h"
 #include "reference_host/vision/Picture.h"
 #include "tests/reference_host/FootageFiles.h"
 
@@ -17,6 +18,7 @@ std::filesystem::path makeNumbered(const FootageFiles& files, const std::string&
 
 /// Returns the number that a picture shows.
 int numberOf(const reference_host::vision::Picture& picture);
+int numberOf(const reference_host::scenes::Thumbnail& thumbnail);
 
 /// A picture of a video as it is met when all are read in order.
 struct NumberedPicture {

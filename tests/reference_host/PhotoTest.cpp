@@ -8,6 +8,7 @@
 #include "reference_host/media/PositionReader.h"
 #include "reference_host/media/inspect.h"
 #include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
 #include "tests/reference_host/photos.h"
 
 namespace reference_host_tests {

@@ -2,25 +2,24 @@
 
 #include <gtest/gtest.h>
 
-#include "reference_host/media/PictureReader.h"
-#include "reference_host/media/inspect.h"
 #include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
 
 namespace reference_host_tests {
 namespace {
 
-using reference_host::scenes::PictureSample;
+using reference_host::scenes::PictureFeatures;
+using reference_host::scenes::Thumbnail;
 
 /// Reads the first picture of a file of one colour, stored as `arguments` say.
-PictureSample pictureOf(const std::string& colour, const std::string& arguments,
-                        const std::string& name = "a.mkv") {
+Thumbnail pictureOf(const std::string& colour, const std::string& arguments,
+                    const std::string& name = "a.mkv") {
     const FootageFiles files;
     const auto file = files.make(
         name, "-f lavfi -i color=" + colour + ":size=320x180:rate=25 -frames:v 2 " + arguments);
-    reference_host::media::PictureReader reader(file, reference_host::media::inspect(file), {});
-    PictureSample picture{};
-    EXPECT_TRUE(reader.next(picture));
-    return picture;
+    PictureFeatures picture;
+    EXPECT_TRUE(readerOfAll(file)->next(picture));
+    return picture.thumbnail;
 }
 
 template <typename Plane>
@@ -38,7 +37,7 @@ TEST(PictureReader, GivesFullRangeForEveryFormat) {
             std::string(format) == "yuvj420p" ? "-c:v mjpeg -q:v 1 -pix_fmt " : lossless;
         const std::string stored =
             (std::string(format) == "rgb24" ? "-c:v png -pix_fmt " : codec) + format;
-        const PictureSample white = pictureOf("white", stored);
+        const Thumbnail white = pictureOf("white", stored);
         expectAll(white.luma, 255);
         expectAll(white.u, 128);
         expectAll(white.v, 128);
@@ -49,23 +48,23 @@ TEST(PictureReader, GivesFullRangeForEveryFormat) {
 }
 
 TEST(PictureReader, GivesColourDifferences) {
-    const PictureSample blue = pictureOf("blue", "-c:v ffv1 -pix_fmt yuv420p");
+    const Thumbnail blue = pictureOf("blue", "-c:v ffv1 -pix_fmt yuv420p");
     EXPECT_GT(blue.u[0], 230);
-    const PictureSample red = pictureOf("red", "-c:v ffv1 -pix_fmt bgra");
+    const Thumbnail red = pictureOf("red", "-c:v ffv1 -pix_fmt bgra");
     EXPECT_GT(red.v[0], 230);
-    const PictureSample palette = pictureOf("red", "", "a.gif");
+    const Thumbnail palette = pictureOf("red", "", "a.gif");
     EXPECT_GT(palette.v[0], 230);
 }
 
 TEST(PictureReader, KeepsTheWholePictureInPlace) {
     // White in the right half only.
-    const PictureSample picture = pictureOf(
+    const Thumbnail picture = pictureOf(
         "black", "-vf drawbox=x=160:y=0:w=160:h=180:color=white:t=fill -c:v ffv1 -pix_fmt yuv420p");
-    for (const std::size_t row : {0U, 53U, 107U}) {
-        EXPECT_NEAR(picture.luma[row * 192], 0, 2);
-        EXPECT_NEAR(picture.luma[row * 192 + 94], 0, 2);
-        EXPECT_NEAR(picture.luma[row * 192 + 97], 255, 2);
-        EXPECT_NEAR(picture.luma[row * 192 + 191], 255, 2);
+    for (const std::size_t row : {0U, 13U, 26U}) {
+        EXPECT_NEAR(picture.luma[row * 48], 0, 2);
+        EXPECT_NEAR(picture.luma[row * 48 + 23], 0, 2);
+        EXPECT_NEAR(picture.luma[row * 48 + 24], 255, 2);
+        EXPECT_NEAR(picture.luma[row * 48 + 47], 255, 2);
     }
 }
 
@@ -79,12 +78,11 @@ TEST(PictureReader, EndsWhenItIsStopped) {
     const FootageFiles files;
     const auto file = files.makeVideo("a.mp4", 50);
     std::stop_source stop;
-    reference_host::media::PictureReader reader(file, reference_host::media::inspect(file),
-                                                stop.get_token());
-    PictureSample picture;
-    EXPECT_TRUE(reader.next(picture));
+    const auto reader = readerOfAll(file, stop.get_token());
+    PictureFeatures picture;
+    EXPECT_TRUE(reader->next(picture));
     stop.request_stop();
-    EXPECT_FALSE(reader.next(picture));
+    EXPECT_FALSE(reader->next(picture));
 }
 
 }  // namespace

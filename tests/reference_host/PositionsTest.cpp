@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
 
 namespace reference_host_tests {
 namespace {

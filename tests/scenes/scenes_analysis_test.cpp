@@ -219,6 +219,21 @@ TEST(NoScene, FrozenAndBlackStretches) {
     EXPECT_EQ(Reel().hold(100, plain(0)).boundaries(), Frames());
 }
 
+TEST(NoScene, PictureThatIsKnownToGoOn) {
+    const auto scenesWhere = [](bool goesOn) {
+        SceneAnalysis analysis(3.0);
+        for (int i = 0; i < 60; ++i) {
+            PictureFeatures picture = featuresOf(scenery(i < 20 ? 0 : 1).picture());
+            picture.positionTicks = i * KOR::ticksPerSecond / 25;
+            picture.goesOn = goesOn && i == 20;
+            analysis.add(picture);
+        }
+        return analysis.finish(60 * KOR::ticksPerSecond / 25).scenes.size();
+    };
+    EXPECT_EQ(scenesWhere(true), 1U);
+    EXPECT_EQ(scenesWhere(false), 2U);
+}
+
 TEST(Threshold, LowerFindsMoreHigherFewer) {
     Reel reel;
     for (std::uint32_t i = 0; i < 8; ++i) {

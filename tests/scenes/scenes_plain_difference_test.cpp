@@ -115,7 +115,7 @@ TEST(PairDifferences, ChangeNoSignal) {
             PictureSample picture =
                 i == 20 ? plain(250) : (i < 40 ? first : second).seenFrom(place, 20);
             picture.positionTicks = static_cast<std::int64_t>(i) * ticksPerSecond / rate;
-            builder.add(picture);
+            builder.add(featuresOf(picture));
             window.push({i, picture.positionTicks, thumbnailOf(picture)});
         }
         const std::vector<FrameSignal> signals = builder.finish();

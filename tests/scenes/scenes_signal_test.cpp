@@ -1,6 +1,9 @@
+#include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
 
 #include "reference_host/scenes/SignalBuilder.h"
 #include "tests/scenes/Scenery.h"
@@ -77,6 +80,58 @@ TEST(ChangeSignal, MoreThanAFifthOfASecondLasts) {
     EXPECT_FLOAT_EQ(result[16].lastingChange, 400);
 }
 
+/// Builds the signals of plain pictures of these values of grey, of which those that are `marked`
+/// are known to go on with the scene before them.
+std::vector<FrameSignal> signalsOf(const std::vector<std::uint8_t>& greys,
+                                   const std::vector<bool>& marked) {
+    SignalBuilder builder;
+    for (std::size_t i = 0; i < greys.size(); ++i) {
+        PictureFeatures picture = featuresOf(plain(greys[i]));
+        picture.positionTicks = static_cast<std::int64_t>(i) * stepTicks;
+        picture.goesOn = marked[i];
+        builder.add(picture);
+    }
+    return builder.finish();
+}
+
+TEST(ChangeSignal, PictureThatGoesOnHasNone) {
+    std::vector<std::uint8_t> greys(30, 50);
+    std::fill(greys.begin() + 10, greys.end(), 80);
+    std::fill(greys.begin() + 20, greys.end(), 50);
+    std::vector<bool> marked(30, false);
+    marked[10] = true;
+
+    const std::vector<FrameSignal> result = signalsOf(greys, marked);
+
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        const float expected = i == 20 ? 60.0F : 0.0F;
+        EXPECT_FLOAT_EQ(result[i].change, expected) << i;
+        EXPECT_FLOAT_EQ(result[i].lastingChange, expected) << i;
+    }
+}
+
+TEST(ChangeSignal, LastPicturesCanGoOn) {
+    const std::vector<FrameSignal> result = signalsOf({50, 50, 80}, {false, false, true});
+    EXPECT_FLOAT_EQ(result[2].change, 0);
+    EXPECT_FLOAT_EQ(result[2].lastingChange, 0);
+}
+
+RC_GTEST_PROP(ChangeSignal, GoingOnConcernsNoOtherPicture, ()) {
+    const auto greys =
+        *rc::gen::nonEmpty(rc::gen::container<std::vector<std::uint8_t>>(rc::gen::inRange(40, 60)));
+    const auto marked =
+        *rc::gen::container<std::vector<bool>>(greys.size(), rc::gen::arbitrary<bool>());
+    const std::vector<FrameSignal> plainly =
+        signalsOf(greys, std::vector<bool>(greys.size(), false));
+    const std::vector<FrameSignal> result = signalsOf(greys, marked);
+    RC_ASSERT(result.size() == greys.size());
+    for (std::size_t i = 0; i < greys.size(); ++i) {
+        RC_ASSERT(result[i].change == (marked[i] ? 0 : plainly[i].change));
+        RC_ASSERT(result[i].lastingChange == (marked[i] ? 0 : plainly[i].lastingChange));
+        RC_ASSERT(result[i].blend.strength == plainly[i].blend.strength);
+    }
+}
+
 TEST(BlendSignal, StrongestInTheMiddleOfADissolve) {
     Signals signals;
     signals.show(40, Scenery(1).picture());
@@ -121,6 +176,62 @@ TEST(BlendSignal, EndlessMixIsNone) {
     const std::vector<FrameSignal> result = signals.finish();
     for (std::size_t i = 100; i < 200; ++i)
         EXPECT_LT(result[i].blend.strength, 1) << i;
+}
+
+/// A steady mix from one scenery to another, of pictures that follow each other after these steps.
+ThumbnailWindow steadyMix(const std::vector<std::int64_t>& stepsTicks) {
+    const PictureSample from = Scenery(1).picture();
+    const PictureSample to = Scenery(2).picture();
+    std::int64_t length = 0;
+    for (const std::int64_t step : stepsTicks)
+        length += step;
+    ThumbnailWindow window(stepsTicks.size() + 1);
+    std::int64_t position = 0;
+    for (std::size_t i = 0; i <= stepsTicks.size(); ++i) {
+        const double share = static_cast<double>(position) / static_cast<double>(length);
+        window.push({i, position, thumbnailOf(mixed(from, to, share))});
+        if (i < stepsTicks.size()) position += stepsTicks[i];
+    }
+    return window;
+}
+
+TEST(BlendSignal, UnevenStepsMayTakeAThirdOfIt) {
+    // Seven pictures are the fewest of a blend, and leave room for no other length.
+    for (std::size_t place = 0; place < 6; ++place) {
+        std::vector<std::int64_t> steps(6, 2 * stepTicks);
+        EXPECT_GT(blendAt(steadyMix(steps), 3).strength, 50) << place;
+        steps[place] = 5 * stepTicks;
+        EXPECT_EQ(blendAt(steadyMix(steps), 3).framesBefore, 3U) << place;
+        EXPECT_GT(blendAt(steadyMix(steps), 3).strength, 50) << place;
+        steps[place] = 5 * stepTicks + 1;
+        EXPECT_FLOAT_EQ(blendAt(steadyMix(steps), 3).strength, 0) << place;
+    }
+}
+
+TEST(BlendSignal, LongerOneBridgesAStepThatIsTooLongForAShortOne) {
+    std::vector<std::int64_t> steps(16, stepTicks);
+    steps[8] = 4 * stepTicks;
+    // Up to four steps on each side, the long one is more than a third of 11; of 13 it is not.
+    const Blend blend = blendAt(steadyMix(steps), 8);
+    EXPECT_GT(blend.strength, 50);
+    EXPECT_GE(blend.framesBefore, 5U);
+}
+
+RC_GTEST_PROP(BlendSignal, NeverReachesAcrossAStepOfMoreThanAThird, ()) {
+    const auto count = *rc::gen::inRange<std::size_t>(6, 24);
+    const auto steps = *rc::gen::container<std::vector<std::int64_t>>(
+        count,
+        rc::gen::map(rc::gen::element(1, 1, 1, 2, 8), [](int step) { return step * stepTicks; }));
+    const ThumbnailWindow window = steadyMix(steps);
+    const std::size_t middle = *rc::gen::inRange<std::size_t>(3, count - 2);
+    const Blend blend = blendAt(window, middle);
+    RC_CLASSIFY(blend.strength > 0);
+    if (blend.strength <= 0) return;
+    const std::size_t first = middle - blend.framesBefore;
+    const std::size_t last = middle + blend.framesAfter;
+    const std::int64_t length = window[last].positionTicks - window[first].positionTicks;
+    for (std::size_t i = first; i < last; ++i)
+        RC_ASSERT(steps[i] * 3 <= length);
 }
 
 TEST(SignalBuilder, KeepsPositionsAndStatistics) {

@@ -1,0 +1,246 @@
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "reference_host/media/inspect.h"
+#include "reference_host/scenes/SceneAnalysis.h"
+#include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/NumberedVideo.h"
+#include "tests/reference_host/PictureReaders.h"
+
+namespace reference_host_tests {
+namespace {
+
+using reference_host::media::FootageFacts;
+using reference_host::media::PictureReader;
+using reference_host::scenes::PictureFeatures;
+using reference_host::scenes::Thumbnail;
+using Plan = PictureReader::Plan;
+
+constexpr std::int64_t stepTicks = KOR::ticksPerSecond / 25;
+constexpr std::int64_t tenSeconds = 10 * KOR::ticksPerSecond;
+
+/// A way to store a video.
+struct Storage {
+    const char* name;
+    std::string arguments;
+};
+
+void PrintTo(const Storage& storage, std::ostream* out) {
+    *out << storage.name;
+}
+
+const std::string x264 = "-c:v libx264 -preset veryfast -g 25 ";
+const std::string x265 =
+    "-c:v libx265 -preset ultrafast -x265-params log-level=none:keyint=25:min-keyint=25";
+const std::string mpeg2 = "-c:v mpeg2video -q:v 2 -g 12 -bf 2";
+
+/// Some that can be divided, and some that cannot or only seem so.
+const std::vector<Storage> storages{
+    {"closed.mp4", x264 + "-x264-params open-gop=0"},
+    {"open.mp4", x264 + "-x264-params open-gop=1:bframes=3:b-pyramid=normal"},
+    {"open.ts", x264 + "-x264-params open-gop=1:bframes=3"},
+    {"without_b.mkv", x264 + "-bf 0"},
+    {"refresh.mkv", x264 + "-x264-params intra-refresh=1:bframes=0"},
+    {"fields.mp4", x264 + "-flags +ilme+ildct"},
+    {"one_group.mp4", "-c:v libx264 -preset veryfast -g 999 -sc_threshold 0"},
+    {"h264.avi", x264},
+    {"hevc_open.mp4", x265 + ":open-gop=1"},
+    {"hevc_closed.mkv", x265 + ":open-gop=0"},
+    {"vp8.webm", "-c:v libvpx -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
+    {"vp9.webm", "-c:v libvpx-vp9 -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
+    {"mpeg2.ts", mpeg2},
+    {"mpeg2.mkv", mpeg2},
+    {"mpeg4.mp4", "-c:v mpeg4 -q:v 2 -g 25 -bf 2"},
+    {"mpeg4.mkv", "-c:v mpeg4 -q:v 2 -g 25"},
+    {"mjpeg.avi", "-c:v mjpeg"},
+    {"prores.mov", "-c:v prores_ks"},
+    {"theora.ogv", "-c:v libtheora -q:v 9 -g 25"},
+    {"a.gif", ""},
+};
+
+class ScenePictures : public testing::TestWithParam<Storage> {};
+
+bool areEqual(const Thumbnail& a, const Thumbnail& b) {
+    return a.luma == b.luma && a.u == b.u && a.v == b.v;
+}
+
+bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
+    return a.positionTicks == b.positionTicks && a.sharpness == b.sharpness &&
+           a.goesOn == b.goesOn && areEqual(a.thumbnail, b.thumbnail);
+}
+
+TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
+    constexpr int frames = 240;
+    const FootageFiles files;
+    const auto file = makeNumbered(files, GetParam().name, frames, GetParam().arguments);
+    std::map<std::int64_t, Thumbnail> all;
+    for (const PictureFeatures& picture : picturesOf(*readerOfAll(file)))
+        all[picture.positionTicks] = picture.thumbnail;
+    ASSERT_EQ(all.size(), std::size_t{frames});
+
+    const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds}));
+
+    ASSERT_FALSE(pictures.empty());
+    EXPECT_EQ(pictures.front().positionTicks, 0);
+    std::int64_t before = -1;
+    for (const PictureFeatures& picture : pictures) {
+        EXPECT_LT(std::exchange(before, picture.positionTicks), picture.positionTicks);
+        ASSERT_TRUE(all.contains(picture.positionTicks)) << picture.positionTicks;
+        EXPECT_TRUE(areEqual(picture.thumbnail, all[picture.positionTicks]))
+            << picture.positionTicks << " shows " << numberOf(picture.thumbnail);
+    }
+}
+
+/// Three sceneries of four, three and three seconds, with a slow movement in each.
+std::filesystem::path makeScenes(const FootageFiles& files, const Storage& storage) {
+    const std::string picture = "=size=160x96:rate=25";
+    const auto scene = [&](const char* source, int seconds) {
+        return "-f lavfi -t " + std::to_string(seconds) + " -i " + source + picture + " ";
+    };
+    return files.make(storage.name, scene("testsrc", 4) + scene("smptebars", 3) +
+                                        scene("mandelbrot", 3) +
+                                        "-filter_complex "
+                                        "\"[0]format=yuv420p,setsar=1[a];[1]format=yuv420p,"
+                                        "setsar=1[b];[2]format=yuv420p,setsar=1[c];"
+                                        "[a][b][c]concat=n=3:v=1\" " +
+                                        storage.arguments);
+}
+
+std::vector<std::int64_t> beginsOfScenes(PictureReader& reader) {
+    reference_host::scenes::SceneAnalysis analysis(3.0);
+    for (const PictureFeatures& picture : picturesOf(reader))
+        analysis.add(picture);
+    std::vector<std::int64_t> begins;
+    for (const KOR::TickRange& scene : analysis.finish(tenSeconds).scenes)
+        begins.push_back(scene.begin);
+    return begins;
+}
+
+TEST_P(ScenePictures, ShowTheScenesThatAllPicturesShow) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, GetParam());
+    const std::vector<std::int64_t> begins = beginsOfScenes(*readerOfAll(file));
+    EXPECT_EQ(begins, (std::vector<std::int64_t>{0, 100 * stepTicks, 175 * stepTicks}));
+    for (const std::int64_t gap : {tenSeconds, KOR::ticksPerSecond * 5 / 4}) {
+        EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.longestGapTicks = gap})), begins) << gap;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(PictureReader, ScenePictures, testing::ValuesIn(storages),
+                         [](const auto& param) {
+                             std::string name = param.param.name;
+                             std::replace(name.begin(), name.end(), '.', '_');
+                             return name;
+                         });
+
+const Storage simple{"a.mp4", x264};
+
+TEST(ScenePictures, AreTheSameWithAnyNumberOfThreads) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, simple);
+    const auto picturesWith = [&](unsigned threads) {
+        return picturesOf(
+            *readerForScenes(file, {.longestGapTicks = tenSeconds, .threads = threads}));
+    };
+    const std::vector<PictureFeatures> alone = picturesWith(1);
+    EXPECT_LT(alone.size(), 250U) << "something is left out";
+    for (const unsigned threads : {2U, 3U, 8U}) {
+        const std::vector<PictureFeatures> pictures = picturesWith(threads);
+        EXPECT_TRUE(
+            std::equal(alone.begin(), alone.end(), pictures.begin(), pictures.end(), areTheSame))
+            << threads;
+    }
+}
+
+TEST(ScenePictures, OfAStillAreFewButNeverTooFarApart) {
+    const FootageFiles files;
+    const auto file = files.make(
+        "a.mp4", "-f lavfi -i smptebars=size=160x96:rate=25:duration=20 -c:v libx264 -g 75");
+    const auto longestGap = [&](std::int64_t gapTicks, std::size_t& count) {
+        const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = gapTicks}));
+        count = pictures.size();
+        std::int64_t longest = 0;
+        for (std::size_t i = 1; i < pictures.size(); ++i)
+            longest = std::max(longest, pictures[i].positionTicks - pictures[i - 1].positionTicks);
+        return longest;
+    };
+    std::size_t few = 0;
+    EXPECT_EQ(longestGap(tenSeconds, few), 75 * stepTicks) << "key frames alone";
+    std::size_t more = 0;
+    EXPECT_LE(longestGap(KOR::ticksPerSecond, more), KOR::ticksPerSecond);
+    EXPECT_LT(few, 40U);
+    EXPECT_GT(more, few);
+    EXPECT_LT(more, 500U);
+}
+
+TEST(ScenePictures, CountAllFramesThoughFewAreDecoded) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, simple);
+    const auto reader = readerForScenes(file, {.longestGapTicks = tenSeconds});
+    EXPECT_LT(picturesOf(*reader).size(), 250U);
+    EXPECT_EQ(reader->damage().all, 250);
+    EXPECT_EQ(reader->damage().damaged, 0);
+}
+
+TEST(ScenePictures, EndWhenTheyAreStopped) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, simple);
+    std::stop_source stop;
+    const auto reader =
+        readerForScenes(file, {.longestGapTicks = stepTicks, .threads = 2}, stop.get_token());
+    PictureFeatures picture;
+    EXPECT_TRUE(reader->next(picture));
+    stop.request_stop();
+    // What has been looked at may still come.
+    std::size_t rest = 0;
+    while (reader->next(picture))
+        ++rest;
+    EXPECT_LT(rest, 125U);
+}
+
+TEST(ScenePictures, CanBeGivenUpAnywhere) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, simple);
+    for (int taken = 0; taken < 60; taken += 7) {
+        const auto reader = readerForScenes(file, {.longestGapTicks = stepTicks, .threads = 3});
+        PictureFeatures picture;
+        for (int i = 0; i < taken; ++i)
+            ASSERT_TRUE(reader->next(picture));
+    }
+}
+
+TEST(ScenePictures, TellHowMuchIsDone) {
+    const FootageFiles files;
+    for (const Storage& storage : {simple, Storage{"one.mp4", x264 + "-g 999 -sc_threshold 0"}}) {
+        const auto file = makeScenes(files, storage);
+        std::vector<double> told;
+        const auto tell = [&](double share) { told.push_back(share); };
+        PictureReader reader(file, reference_host::media::inspect(file),
+                             {.longestGapTicks = tenSeconds, .threads = 1}, {}, tell);
+        picturesOf(reader);
+        ASSERT_FALSE(told.empty());
+        EXPECT_GE(*std::min_element(told.begin(), told.end()), 0);
+        EXPECT_LE(*std::max_element(told.begin(), told.end()), 1);
+    }
+}
+
+TEST(ScenePictures, OfACutOffFileEndWithIt) {
+    const FootageFiles files;
+    const auto file = makeScenes(files, {"a.mkv", x264});
+    const FootageFacts facts = reference_host::media::inspect(file);
+    FootageFiles::truncate(file, 0.5);
+    PictureReader reader(file, facts, {.longestGapTicks = tenSeconds}, {}, [](double) {});
+    const auto pictures = picturesOf(reader);
+    ASSERT_FALSE(pictures.empty());
+    EXPECT_EQ(pictures.back().positionTicks, positionsOf(file).back());
+    EXPECT_LT(pictures.back().positionTicks, tenSeconds - 10 * stepTicks);
+}
+
+}  // namespace
+}  // namespace reference_host_tests
