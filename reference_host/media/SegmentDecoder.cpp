@@ -65,7 +65,7 @@ public:
         for (std::size_t i = 0; i < segment_.groups.size(); ++i) {
             if (!leaveOutWhole(i)) decode(i, packetsNeeded(i));
             keyViews_[i].frame.reset();
-            tellOf(segment_.groups[i].size() - std::exchange(told_, 0));
+            tellRestOf(segment_.groups[i].size());
         }
         // Behind the key frame that comes next there may be pictures that are shown before it.
         if (isInChain_ && segment_.next.size() > 1) {
@@ -152,8 +152,7 @@ private:
             }
             if (isEntered && group[i]->pts < group.front()->pts) continue;
             send(*group[i]);
-            tellOf(1);
-            ++told_;
+            tellNext(group.size());
         }
     }
 
@@ -252,8 +251,8 @@ private:
         receive();
         chain.forget();
         newest_ = pictures_.end();
-        const bool isComplete = std::exchange(awaited_, 0) <= 0 || !chain.givesNewest() ||
-                                std::exchange(isSpoilt_, false);
+        const bool isSpoilt = std::exchange(isSpoilt_, false);
+        const bool isComplete = std::exchange(awaited_, 0) <= 0 || !chain.givesNewest() || isSpoilt;
         if (!isComplete && !owner_.stop_.stop_requested()) throw NotDivisible{};
     }
 
@@ -313,6 +312,15 @@ private:
 
     std::int64_t damagedSoFar() const { return owner_.chain_.damaged() - forgiven_; }
 
+    /// Tells of one more packet of a group; some are decoded twice, but count once.
+    void tellNext(std::size_t groupPackets) {
+        if (told_ == groupPackets) return;
+        ++told_;
+        tellOf(1);
+    }
+
+    void tellRestOf(std::size_t groupPackets) { tellOf(groupPackets - std::exchange(told_, 0)); }
+
     void tellOf(std::size_t packets) {
         tell_(static_cast<double>(packets) / static_cast<double>(packets_));
     }
@@ -336,6 +344,7 @@ private:
     const Segment& segment_;
     const Tell& tell_;
     std::size_t packets_ = 0;
+    /// How many packets of the group that is being decoded have been told of.
     std::size_t told_ = 0;
     Pictures pictures_;
     std::vector<KeyView> keyViews_;
