@@ -34,9 +34,6 @@ struct SegmentView {
     std::int64_t frames = 0;
 };
 
-/// The key frames of a video are not such that decoding can begin there.
-struct NotDivisible {};
-
 /// Decodes as little of segments as shows their scenes. Belongs to one thread at a time.
 ///
 /// Two kinds of pictures are left out. Those that no other picture needs, where the pictures on
