@@ -175,11 +175,20 @@ private:
         }
         // A coder that begins a new group out of turn has seen the new scene begin there.
         if (passage != scenes::Passage::newView || !owner_.chain_.givesNewest() ||
+            hasLeadingPictures(index + 1) ||
             owner_.plan_.rhythm.isInTurn(keyOf(index)->pts, keyOf(index + 1)->pts)) {
             ++vainLooks_;
             return Rest::needed;
         }
         return lastLooksLike(*next, index) ? Rest::deceptive : Rest::empty;
+    }
+
+    /// Says whether pictures are stored behind the key frame of a group but shown before it: a new
+    /// scene may begin with them, and they need what is before the key frame.
+    bool hasLeadingPictures(std::size_t index) const {
+        const PacketGroup& group =
+            index < segment_.groups.size() ? segment_.groups[index] : segment_.next;
+        return group.size() > 1 && group[1]->pts < group[0]->pts;
     }
 
     /// Says whether a group's last picture shows the view of the next key frame rather than that of
