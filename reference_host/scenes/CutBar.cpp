@@ -25,11 +25,6 @@ constexpr double plainContrast = ordinaryContrast / 2;
 /// Room for the movement between two neighbours, which may make a cut look smaller.
 constexpr double neighbourPart = 0.8;
 
-/// By which part of it the contrast changes at most between neighbours of which none is in a fade
-/// or dissolve: those change it by as much within two pictures, and where they begin and end cannot
-/// be told from every second picture.
-constexpr float blendingPart = 0.04F;
-
 /// The part of the pace between pictures that are two or three steps apart that is found between
 /// neighbours.
 constexpr double paceOfOneStep = 0.5;
@@ -58,8 +53,6 @@ Passage passageBetween(const PictureFeatures& before, const PictureFeatures& aft
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
                              double pace, double threshold) {
-    const auto [lower, higher] = std::minmax(before.contrast, after.contrast);
-    if (higher - lower > blendingPart * higher) return false;
     const double least = leastCut(before.contrast, after.contrast, threshold);
     return differenceBetween(before.thumbnail, after.thumbnail).overall <=
            neighbourPart * (least + threshold * paceOfOneStep * pace);

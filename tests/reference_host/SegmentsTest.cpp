@@ -117,13 +117,15 @@ TEST(Segments, ThatLackParametersAreReadFromTheBeginning) {
 TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
     const FootageFiles files;
     // In noise, packets tell nothing about a plain scene that begins just before a key frame.
-    const auto file = makeCut(files, "a.mp4", 98, busy + ",noise=alls=40:allf=t", plain,
-                              "-c:v libx264 -preset veryfast -bf 0 -g 40 -sc_threshold 0 "
-                              "-force_key_frames 'expr:eq(n,100)'");
+    const auto file =
+        makeCut(files, "a.mp4", 99, "rgbtestsrc" + format + ",noise=alls=20:allf=t", plain,
+                "-c:v libx264 -preset veryfast -crf 12 -bf 0 -g 40 -sc_threshold 0 "
+                "-force_key_frames 'expr:eq(n,100)'");
     Container container(file, {});
     const FootageFacts facts = inspect(file);
     SegmentReader segments(container);
     SegmentDecoder::Plan plan;
+    plan.gap = {tenSeconds, tenSeconds, 0};  // in units of the stream: longer than all of it
     plan.rhythm = KeyRhythm(facts.keyTimestamps);
     SegmentDecoder decoder(container.video(), plan, {});
     std::size_t count = 0;
