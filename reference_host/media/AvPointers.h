@@ -2,6 +2,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
 #include <libavutil/frame.h>
 #include <libswscale/swscale.h>
@@ -16,6 +17,7 @@ namespace reference_host::media {
 struct AvFree {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+    void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }

@@ -24,4 +24,7 @@ struct Segment {
     PacketGroup next;
 };
 
+/// The key frames of a video are not such that decoding can begin there.
+struct NotDivisible {};
+
 }  // namespace reference_host::media

@@ -181,12 +181,21 @@ private:
             return Rest::empty;
         }
         // A coder that begins a new group out of turn has seen the new scene begin there.
-        if (passage != scenes::Passage::newView || !owner_.chain_.givesNewest() ||
+        if (passage != scenes::Passage::newView || !owner_.chain_->givesNewest() ||
+            hasLeadingPictures(index + 1) ||
             owner_.plan_.rhythm.isInTurn(keyOf(index)->pts, keyOf(index + 1)->pts)) {
             ++vainLooks_;
             return Rest::needed;
         }
         return lastLooksLike(*next, index) ? Rest::deceptive : Rest::empty;
+    }
+
+    /// Says whether pictures are stored behind the key frame of a group but shown before it: a new
+    /// scene may begin with them, and they need what is before the key frame.
+    bool hasLeadingPictures(std::size_t index) const {
+        const PacketGroup& group =
+            index < segment_.groups.size() ? segment_.groups[index] : segment_.next;
+        return group.size() > 1 && group[1]->pts < group[0]->pts;
     }
 
     /// Says whether a group's last picture shows the view of the next key frame rather than that of
@@ -209,7 +218,7 @@ private:
     std::optional<scenes::PictureFeatures> glimpse(const AVPacket& packet) {
         // What is missing is no error of the file.
         const FirstError aside;
-        Decoder& chain = owner_.chain_;
+        Decoder& chain = *owner_.chain_;
         const std::int64_t damagedBefore = chain.damaged();
         std::optional<scenes::PictureFeatures> seen;
         if (chain.givesNewest()) chain.leaveOutUnneeded(false);
@@ -231,7 +240,7 @@ private:
 
     void send(const AVPacket& packet) {
         isInChain_ = true;
-        Decoder& chain = owner_.chain_;
+        Decoder& chain = *owner_.chain_;
         if (chain.givesNewest()) chain.leaveOutUnneeded(isBetweenPicturesOfOneScene(packet.pts));
         chain.smoothEdges(isLightChanging());
         chain.send(&packet);
@@ -245,16 +254,16 @@ private:
     }
 
     void receive() {
-        while (const AVFrame* frame = owner_.chain_.receive()) {
+        while (const AVFrame* frame = owner_.chain_->receive()) {
             --awaited_;
-            if (!owner_.chain_.givesNewest()) take(*frame, frame->best_effort_timestamp);
+            if (!owner_.chain_->givesNewest()) take(*frame, frame->best_effort_timestamp);
         }
     }
 
     /// Gets the last frames out of the chain, which is at its end.
     void endChain() {
         if (!std::exchange(isInChain_, false)) return;
-        Decoder& chain = owner_.chain_;
+        Decoder& chain = *owner_.chain_;
         chain.send(nullptr);
         receive();
         chain.forget();
@@ -321,7 +330,7 @@ private:
     }
 
     void look(const AVPacket& key, KeyView& view) {
-        Decoder& keys = owner_.keys_;
+        Decoder& keys = *owner_.keys_;
         keys.send(&key);
         keys.send(nullptr);
         while (const AVFrame* frame = keys.receive()) {
@@ -331,7 +340,7 @@ private:
         keys.forget();
     }
 
-    std::int64_t damagedSoFar() const { return owner_.chain_.damaged() - forgiven_; }
+    std::int64_t damagedSoFar() const { return owner_.chain_->damaged() - forgiven_; }
 
     /// Tells that so many packets of the group are done, unless that has been told.
     void tellUpTo(std::size_t packets) {
@@ -383,14 +392,22 @@ private:
 };
 
 SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::stop_token stop)
-    : plan_(plan),
-      stop_(std::move(stop)),
-      chain_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick),
-      keys_(stream, Decoder::Threads::one, Decoder::Size::full, Decoder::Quality::quick),
-      keeper_(stream, plan.kept) {}
+    : plan_(plan), stop_(std::move(stop)), stream_(stream), keeper_(stream, plan.kept) {
+    openDecoders();
+}
+
+void SegmentDecoder::openDecoders() {
+    using enum Decoder::Threads;
+    chain_.emplace(stream_, one, Decoder::Size::full, Decoder::Quality::quick);
+    keys_.emplace(stream_, one, Decoder::Size::full, Decoder::Quality::quick);
+}
 
 SegmentView SegmentDecoder::decode(const Segment& segment, const Tell& tell) {
-    return Work(*this, segment, tell).run();
+    SegmentView view = Work(*this, segment, tell).run();
+    // Decoders do not forget everything, and what they make up for missing parts may be from
+    // before.
+    if (chain_->damaged() > 0 || keys_->damaged() > 0) openDecoders();
+    return view;
 }
 
 }  // namespace reference_host::media

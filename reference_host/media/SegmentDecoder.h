@@ -34,9 +34,6 @@ struct SegmentView {
     std::int64_t frames = 0;
 };
 
-/// The key frames of a video are not such that decoding can begin there.
-struct NotDivisible {};
-
 /// Decodes as little of segments as shows their scenes. Belongs to one thread at a time.
 ///
 /// Two kinds of pictures are left out. Those that no other picture needs, where the pictures on
@@ -72,10 +69,13 @@ private:
 
     const Plan plan_;
     const std::stop_token stop_;
+    void openDecoders();
+
+    const AVStream& stream_;
     /// Decodes one picture after the other.
-    Decoder chain_;
+    std::optional<Decoder> chain_;
     /// Decodes single key frames.
-    Decoder keys_;
+    std::optional<Decoder> keys_;
     PictureScaler scaler_;
     PictureKeeper keeper_;
 };

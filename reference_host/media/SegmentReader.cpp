@@ -66,7 +66,9 @@ PacketGroup beginningOf(const PacketGroup& group) {
 }  // namespace
 
 SegmentReader::SegmentReader(Container& container)
-    : container_(container), isIntraOnly_(isIntraOnly(container.video().codecpar->codec_id)) {}
+    : container_(container),
+      isIntraOnly_(isIntraOnly(container.video().codecpar->codec_id)),
+      sets_(container.video()) {}
 
 std::optional<Segment> SegmentReader::next() {
     if (pending_.empty()) pending_ = readGroup();
@@ -109,6 +111,7 @@ AvPointer<AVPacket> SegmentReader::read() {
     if (!container_.read(*packet)) return nullptr;
     // What refers to the file's own memory would not outlive the next reading.
     if (av_packet_make_refcounted(packet.get()) < 0) throw std::bad_alloc();
+    if (isKey(*packet) && !sets_.areKnownAt(*packet)) throw NotDivisible{};
     if (hasParameters(*packet)) {
         parameters_ = shared(*packet);
     } else if (parameters_ && isKey(*packet)) {

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "reference_host/media/Container.h"
+#include "reference_host/media/ParameterSets.h"
 #include "reference_host/media/Segment.h"
 
 namespace reference_host::media {
@@ -16,7 +17,8 @@ public:
 
     /// Returns the next segment; none at the end.
     ///
-    /// Throws SegmentTooLong for one that would take more memory than a segment may.
+    /// Throws SegmentTooLong for one that would take more memory than a segment may, and
+    /// NotDivisible where a group cannot be decoded without parameters that came before it.
     std::optional<Segment> next();
 
 private:
@@ -33,6 +35,7 @@ private:
     AvPointer<AVPacket> ahead_;
     /// Parameters of the decoder that came with an earlier packet, and hold from there on.
     AvPointer<AVPacket> parameters_;
+    ParameterSets sets_;
     std::int64_t segments_ = 0;
 };
 

@@ -42,23 +42,25 @@ SegmentedPictures::~SegmentedPictures() {
 }
 
 void SegmentedPictures::work() {
-    std::int64_t number = 0;
+    std::optional<std::int64_t> current;
     try {
-        decodeSegments(number);
+        decodeSegments(current);
     } catch (...) {
         const std::scoped_lock lock(mutex_);
-        if (!failure_ || number < failed_) {
-            failure_ = std::current_exception();
-            failed_ = number;
-        }
+        // Without a segment, what failed would have led to the next one.
+        failures_.emplace(current.value_or(taken_), std::current_exception());
         changed_.notify_all();
     }
 }
 
-void SegmentedPictures::decodeSegments(std::int64_t& number) {
+void SegmentedPictures::decodeSegments(std::optional<std::int64_t>& current) {
+    std::unique_lock opening(mutex_);  // reading may change what is known about the stream
     SegmentDecoder decoder(container_->video(), plan_, end_.get_token());
-    while (const std::optional<Segment> segment = takeSegment(number)) {
+    opening.unlock();
+    while (const std::optional<Segment> segment = takeSegment()) {
+        current = segment->number;
         SegmentView view = decoder.decode(*segment, [&](double part) { handle(*segment, part); });
+        current.reset();
         const std::scoped_lock lock(mutex_);
         waiting_ += view.pictures.size();
         views_.emplace(segment->number, std::move(view));
@@ -66,14 +68,13 @@ void SegmentedPictures::decodeSegments(std::int64_t& number) {
     }
 }
 
-std::optional<Segment> SegmentedPictures::takeSegment(std::int64_t& number) {
+std::optional<Segment> SegmentedPictures::takeSegment() {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] {
-        return end_.stop_requested() || failure_ || isReadWhole_ || waiting_ < mostWaiting ||
-               taken_ < wanted_ + workerCount_;
+        return end_.stop_requested() || !failures_.empty() || isReadWhole_ ||
+               waiting_ < mostWaiting || taken_ < wanted_ + workerCount_;
     });
-    if (end_.stop_requested() || failure_ || isReadWhole_) return std::nullopt;
-    number = taken_;
+    if (end_.stop_requested() || !failures_.empty() || isReadWhole_) return std::nullopt;
     std::optional<Segment> segment = segments_.next();
     if (segment) {
         ++taken_;
@@ -104,7 +105,9 @@ bool SegmentedPictures::waitForView() {
             changed_.notify_all();
             return true;
         }
-        if (failure_ && wanted_ >= failed_) std::rethrow_exception(failure_);
+        // Others may still be at work on segments before the one that failed.
+        const auto failed = failures_.find(wanted_);
+        if (failed != failures_.end()) std::rethrow_exception(failed->second);
         if (isReadWhole_ && wanted_ == taken_) return false;
         const double share = std::min(1.0, handled_ / length_);
         lock.unlock();

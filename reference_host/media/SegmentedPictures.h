@@ -31,8 +31,7 @@ public:
 
     /// Reads the packets of `container`, which has been opened and not been read; `facts` were
     /// found in the same file before. Reading ends soon after `stop` is requested. `workers` is at
-    /// least
-    /// 1. Throws MediaError.
+    /// least 1. Throws MediaError.
     SegmentedPictures(std::unique_ptr<Container> container, const FootageFacts& facts,
                       const SegmentDecoder::Plan& plan, std::size_t workers,
                       const std::stop_token& stop, Tell tell);
@@ -45,9 +44,9 @@ public:
 
 private:
     void work();
-    /// Both say by `number` which segment they are at.
-    void decodeSegments(std::int64_t& number);
-    std::optional<Segment> takeSegment(std::int64_t& number);
+    /// Leaves in `current` the number of the segment that is being decoded.
+    void decodeSegments(std::optional<std::int64_t>& current);
+    std::optional<Segment> takeSegment();
     void handle(const Segment& segment, double part);
     bool waitForView();
 
@@ -69,10 +68,8 @@ private:
     std::map<std::int64_t, SegmentView> views_;
     /// How many pictures that makes.
     std::size_t waiting_ = 0;
-    std::exception_ptr failure_;
-    /// The first segment that failed: those before it are still given, so that what is given does
-    /// not depend on who was faster.
-    std::int64_t failed_ = 0;
+    /// What ended the work on segments or the reading of them, by the segments' numbers.
+    std::map<std::int64_t, std::exception_ptr> failures_;
     /// The segment that is given next, and how many there have been.
     std::int64_t wanted_ = 0;
     std::int64_t taken_ = 0;

@@ -84,7 +84,7 @@ void expectTheVeryPictures(const std::filesystem::path& file) {
     for (const PictureFeatures& picture : picturesOf(*readerOfAll(file)))
         all[picture.positionTicks] = picture.thumbnail;
 
-    const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = tenSeconds}));
+    const auto pictures = picturesOf(*readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0}}));
 
     ASSERT_FALSE(pictures.empty());
     EXPECT_EQ(pictures.front().positionTicks, 0);
@@ -143,7 +143,7 @@ TEST_P(ScenePictures, ShowTheScenesThatAllPicturesShow) {
     const std::vector<std::int64_t> begins = beginsOfScenes(*readerOfAll(file));
     EXPECT_EQ(begins, (std::vector<std::int64_t>{0, 100 * stepTicks, 175 * stepTicks}));
     for (const std::int64_t gap : {tenSeconds, KOR::ticksPerSecond * 5 / 4}) {
-        EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.longestGapTicks = gap})), begins) << gap;
+        EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.gap = {gap, gap, 0}})), begins) << gap;
     }
 }
 
@@ -161,7 +161,7 @@ TEST(ScenePictures, AreTheSameWithAnyNumberOfThreads) {
     const auto file = makeScenes(files, simple);
     const auto picturesWith = [&](unsigned threads) {
         return picturesOf(
-            *readerForScenes(file, {.longestGapTicks = tenSeconds, .threads = threads}));
+            *readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0}, .threads = threads}));
     };
     const std::vector<PictureFeatures> alone = picturesWith(1);
     EXPECT_LT(alone.size(), 250U) << "something is left out";
@@ -178,7 +178,7 @@ TEST(ScenePictures, OfAStillAreFewButNeverTooFarApart) {
     const auto file = files.make(
         "a.mp4", "-f lavfi -i smptebars=size=160x96:rate=25:duration=20 -c:v libx264 -g 75");
     const auto longestGap = [&](std::int64_t gapTicks, std::size_t& count) {
-        const auto pictures = picturesOf(*readerForScenes(file, {.longestGapTicks = gapTicks}));
+        const auto pictures = picturesOf(*readerForScenes(file, {.gap = {gapTicks, gapTicks, 0}}));
         count = pictures.size();
         std::int64_t longest = 0;
         for (std::size_t i = 1; i < pictures.size(); ++i)
@@ -212,7 +212,7 @@ TEST(ScenePictures, GoOnWhereWhatIsBetweenIsLeftOut) {
 TEST(ScenePictures, CountAllFramesThoughFewAreDecoded) {
     const FootageFiles files;
     const auto file = makeScenes(files, simple);
-    const auto reader = readerForScenes(file, {.longestGapTicks = tenSeconds});
+    const auto reader = readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0}});
     EXPECT_LT(picturesOf(*reader).size(), 250U);
     EXPECT_EQ(reader->damage().all, 250);
     EXPECT_EQ(reader->damage().damaged, 0);
@@ -223,7 +223,7 @@ TEST(ScenePictures, EndWhenTheyAreStopped) {
     const auto file = makeScenes(files, simple);
     std::stop_source stop;
     const auto reader =
-        readerForScenes(file, {.longestGapTicks = stepTicks, .threads = 2}, stop.get_token());
+        readerForScenes(file, {.gap = {stepTicks, stepTicks, 0}, .threads = 2}, stop.get_token());
     PictureFeatures picture;
     EXPECT_TRUE(reader->next(picture));
     stop.request_stop();
@@ -238,7 +238,7 @@ TEST(ScenePictures, CanBeGivenUpAnywhere) {
     const FootageFiles files;
     const auto file = makeScenes(files, simple);
     for (int taken = 0; taken < 60; taken += 7) {
-        const auto reader = readerForScenes(file, {.longestGapTicks = stepTicks, .threads = 3});
+        const auto reader = readerForScenes(file, {.gap = {stepTicks, stepTicks, 0}, .threads = 3});
         PictureFeatures picture;
         for (int i = 0; i < taken; ++i)
             ASSERT_TRUE(reader->next(picture));
@@ -252,7 +252,7 @@ TEST(ScenePictures, TellHowMuchIsDone) {
         std::vector<double> told;
         const auto tell = [&](double share) { told.push_back(share); };
         PictureReader reader(file, reference_host::media::inspect(file),
-                             {.longestGapTicks = tenSeconds, .threads = 1}, {}, tell);
+                             {.gap = {tenSeconds, tenSeconds, 0}, .threads = 1}, {}, tell);
         picturesOf(reader);
         ASSERT_FALSE(told.empty());
         EXPECT_GE(*std::min_element(told.begin(), told.end()), 0);
@@ -334,7 +334,7 @@ TEST(ScenePictures, OfACutOffFileEndWithIt) {
     const auto file = makeScenes(files, {"a.mkv", x264});
     const FootageFacts facts = reference_host::media::inspect(file);
     FootageFiles::truncate(file, 0.5);
-    PictureReader reader(file, facts, {.longestGapTicks = tenSeconds}, {}, [](double) {});
+    PictureReader reader(file, facts, {.gap = {tenSeconds, tenSeconds, 0}}, {}, [](double) {});
     const auto pictures = picturesOf(reader);
     ASSERT_FALSE(pictures.empty());
     EXPECT_EQ(pictures.back().positionTicks, positionsOf(file).back());

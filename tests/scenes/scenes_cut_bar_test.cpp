@@ -76,7 +76,17 @@ TEST(PassageBetween, FollowsThresholdAndContrast) {
     EXPECT_EQ(passageOver(13, 0, 2), Passage::newView);
     EXPECT_EQ(passageOver(2, 0, 3, 0), Passage::sameView);
     EXPECT_EQ(passageOver(4, 0, 3, 0), Passage::movedView);
-    EXPECT_EQ(passageOver(5, 0, 3, 0), Passage::newView);
+    EXPECT_EQ(passageOver(5, 0, 3, 0), Passage::unclear);
+}
+
+TEST(PassageBetween, FadesLeadToPlainPicturesToo) {
+    // At a contrast of 16, the least cut is 4.5.
+    EXPECT_EQ(passageOver(9, 0, 3, 16), Passage::movedView);
+    EXPECT_EQ(passageOver(10, 0, 3, 16), Passage::newView);
+    EXPECT_EQ(passageOver(10, 0, 3, 15.9F), Passage::unclear);
+    EXPECT_EQ(passageBetween(grey(0, 15.9F), grey(200, 60), 0, 3), Passage::unclear);
+    EXPECT_EQ(passageBetween(grey(0, 60), grey(200, 15.9F), 0, 3), Passage::unclear);
+    EXPECT_EQ(passageBetween(grey(0, 60), grey(200, 16), 0, 3), Passage::newView);
 }
 
 TEST(PassageBetween, OnePlaceIsNoNewView) {

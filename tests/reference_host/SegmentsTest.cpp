@@ -1,0 +1,171 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "reference_host/media/MediaError.h"
+#include "reference_host/media/SegmentedPictures.h"
+#include "reference_host/media/inspect.h"
+#include "reference_host/scenes/SceneAnalysis.h"
+#include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
+
+namespace reference_host_tests {
+namespace {
+
+using namespace reference_host::media;
+using reference_host::scenes::PictureFeatures;
+using Plan = PictureReader::Plan;
+
+constexpr std::int64_t stepTicks = KOR::ticksPerSecond / 25;
+constexpr std::int64_t tenSeconds = 10 * KOR::ticksPerSecond;
+constexpr LongestGap gap{tenSeconds, tenSeconds, 0};
+
+const std::string input = "-f lavfi -i ";
+const std::string format = "=size=320x180:rate=25";
+const std::string busy = "testsrc" + format;
+const std::string plain = "smptebars" + format;
+
+/// Two sceneries, the second of which begins at the picture `cut`, of 200.
+std::filesystem::path makeCut(const FootageFiles& files, const std::string& name, int cut,
+                              const std::string& before, const std::string& after,
+                              const std::string& arguments) {
+    return files.make(
+        name, input + before + " " + input + after +
+                  " -filter_complex \"[0]trim=end_frame=" + std::to_string(cut) +
+                  ",format=yuv420p,setsar=1[a];[1]trim=end_frame=" + std::to_string(200 - cut) +
+                  ",format=yuv420p,setsar=1[b];[a][b]concat\" " + arguments);
+}
+
+std::vector<std::int64_t> beginsOfScenes(PictureReader& reader, std::int64_t durationTicks) {
+    reference_host::scenes::SceneAnalysis analysis(3.0);
+    for (const PictureFeatures& seen : picturesOf(reader))
+        analysis.add(seen);
+    std::vector<std::int64_t> begins;
+    for (const KOR::TickRange& scene : analysis.finish(durationTicks).scenes)
+        begins.push_back(scene.begin);
+    return begins;
+}
+
+TEST(Segments, BeginScenesAmongThePicturesThatAreShownBeforeAKeyFrame) {
+    struct Storage {
+        const char* name;
+        const char* arguments;
+    };
+    const FootageFiles files;
+    for (const Storage& storage :
+         {Storage{"a.mkv", "-c:v mpeg4 -q:v 3 -g 60 -bf 2"},
+          Storage{"b.mkv", "-c:v mpeg2video -q:v 3 -g 60 -bf 2"},
+          Storage{"c.mkv", "-c:v libx264 -preset veryfast -g 60 -x264-params open-gop=1"},
+          Storage{"d.mkv",
+                  "-c:v libx265 -preset ultrafast -x265-params log-level=none:keyint=60"}}) {
+        for (int cut = 95; cut < 99; ++cut) {
+            const auto file = makeCut(files, storage.name, cut, busy, plain, storage.arguments);
+            // The container counts in milliseconds, of which a picture lasts 40.
+            EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.gap = gap}), 200 * stepTicks),
+                      (std::vector<std::int64_t>{0, cut * stepTicks}))
+                << storage.arguments << " cut at " << cut;
+        }
+    }
+}
+
+/// Joins what a recorder stored in two goes, of another size each. Key frames that are not the
+/// first ones of their parts come without the decoder's parameters.
+std::filesystem::path makeJoined(const FootageFiles& files) {
+    std::string bytes;
+    for (const std::string size : {"320x180", "480x270"}) {
+        const auto part =
+            files.make("part.mp4", input + "testsrc2=size=" + size +
+                                       ":rate=25:duration=16 -c:v libx264 -preset veryfast -g 25 "
+                                       "-x264-params open-gop=1:scenecut=0");
+        const std::string offset = bytes.empty() ? "0" : "17";
+        bytes += contentOf(files.make("part.ts", "-i '" + part.string() +
+                                                     "' -c copy -bsf:v h264_mp4toannexb "
+                                                     "-output_ts_offset " +
+                                                     offset));
+    }
+    return files.write("joined.ts", bytes);
+}
+
+bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
+    return a.positionTicks == b.positionTicks && a.sharpness == b.sharpness &&
+           a.goesOn == b.goesOn && a.thumbnail.luma == b.thumbnail.luma;
+}
+
+TEST(Segments, ThatLackParametersAreReadFromTheBeginning) {
+    const FootageFiles files;
+    const auto file = makeJoined(files);
+    ASSERT_GT(inspect(file).keyTimestamps.size(), 30U);
+    const auto all = picturesOf(*readerOfAll(file));
+    std::vector<PictureFeatures> alone;
+    for (const unsigned threads : {1U, 2U, 3U, 8U, 8U, 8U, 8U}) {
+        const auto reader = readerForScenes(file, {.gap = gap, .threads = threads});
+        const auto pictures = picturesOf(*reader);
+        EXPECT_EQ(reader->damage().damaged, 0) << threads;
+        if (alone.empty()) alone = pictures;
+        // Where the other reading takes over does not depend on who is faster.
+        EXPECT_TRUE(
+            std::equal(alone.begin(), alone.end(), pictures.begin(), pictures.end(), areTheSame))
+            << threads;
+    }
+    ASSERT_FALSE(alone.empty());
+    EXPECT_TRUE(areTheSame(alone.back(), all.back()));
+    EXPECT_LT(alone.size(), all.size());
+}
+
+TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
+    const FootageFiles files;
+    // In noise, packets tell nothing about a plain scene that begins just before a key frame.
+    const auto file =
+        makeCut(files, "a.mp4", 99, "rgbtestsrc" + format + ",noise=alls=20:allf=t", plain,
+                "-c:v libx264 -preset veryfast -crf 12 -bf 0 -g 40 -sc_threshold 0 "
+                "-force_key_frames 'expr:eq(n,100)'");
+    Container container(file, {});
+    const FootageFacts facts = inspect(file);
+    SegmentReader segments(container);
+    SegmentDecoder::Plan plan;
+    plan.gap = {tenSeconds, tenSeconds, 0};  // in units of the stream: longer than all of it
+    plan.rhythm = KeyRhythm(facts.keyTimestamps);
+    SegmentDecoder decoder(container.video(), plan, {});
+    std::size_t count = 0;
+    while (const std::optional<Segment> segment = segments.next()) {
+        double told = 0;
+        decoder.decode(*segment, [&](double part) {
+            EXPECT_GE(part, 0);
+            told += part;
+        });
+        EXPECT_NEAR(told, 1, 1e-9) << segment->number;
+        ++count;
+    }
+    EXPECT_GT(count, 1U);
+}
+
+TEST(Segments, PassOnWhyTheirDecoderFails) {
+    const FootageFiles files;
+    std::string bytes = contentOf(files.makeVideo("a.avi", 200, "-c:v mjpeg"));
+    const FootageFacts facts = inspect(files.path("a.avi"));
+    for (std::size_t at = bytes.find("MJPG"); at != std::string::npos; at = bytes.find("MJPG"))
+        bytes.replace(at, 4, "ZZZZ");
+    const auto unknown = files.write("b.avi", bytes);
+    for (const std::size_t workers : {1U, 4U}) {
+        SegmentedPictures pictures(std::make_unique<Container>(unknown, std::stop_token{}), facts,
+                                   {}, workers, {}, [](double) {});
+        std::int64_t timestamp = 0;
+        PictureFeatures seen;
+        EXPECT_THROW(pictures.next(timestamp, seen), MediaError) << workers;
+    }
+}
+
+TEST(Segments, EndWhenTheyAreStoppedWhileOneIsAwaited) {
+    const FootageFiles files;
+    const auto file = makeCut(files, "a.mp4", 100, busy, plain, "-c:v libx264 -g 25");
+    std::stop_source stop;
+    PictureReader reader(file, inspect(file), {.gap = gap, .threads = 2}, stop.get_token(),
+                         [&](double) { stop.request_stop(); });
+    EXPECT_LT(picturesOf(reader).size(), 100U);
+    EXPECT_TRUE(stop.stop_requested());
+}
+
+}  // namespace
+}  // namespace reference_host_tests
