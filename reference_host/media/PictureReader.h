@@ -21,7 +21,7 @@ public:
         /// The ratio by which changes have to stand out; see scenes::SceneAnalysis.
         double threshold = 3.0;
         /// How long a stretch may be of which no picture is given, in ticks.
-        LongestGap gap;
+        LongestGap gap = {};
         /// Pictures are kept, as many as take 56 MiB together, but not of shorter stretches than
         /// this each; 0 for none.
         std::int64_t shortestKeptTicks = 0;

@@ -36,8 +36,8 @@ constexpr double largestBesidePace = 3;
 
 /// From so many pictures on it is known whether the light changes; it does where the contrast of
 /// two neighbours differs by this part.
-constexpr int leastForLight = 3;
-constexpr double steadyLightPart = 0.02;
+constexpr int leastForLight = 2;
+constexpr double steadyLightPart = 0.04;
 
 double differenceOf(const scenes::PictureFeatures& before, const scenes::PictureFeatures& after) {
     return scenes::differenceBetween(before.thumbnail, after.thumbnail).overall;

@@ -47,10 +47,10 @@ public:
         /// decoded.
         double threshold = 3.0;
         /// How long a stretch may be of which nothing is decoded, in the unit of the stream.
-        LongestGap gap;
-        KeyRhythm rhythm;
+        LongestGap gap = {};
+        KeyRhythm rhythm = {};
         /// One picture of each part is kept.
-        TimeGrid kept;
+        TimeGrid kept = {};
     };
 
     /// `stream` has to outlive this. Decoding ends soon after `stop` is requested. Throws

@@ -47,7 +47,7 @@ void SegmentedPictures::work() {
         decodeSegments(current);
     } catch (...) {
         const std::scoped_lock lock(mutex_);
-        // Without a segment, what failed would have led to the next one.
+        // Without a segment, it is the decoder that could not be opened.
         failures_.emplace(current.value_or(taken_), std::current_exception());
         changed_.notify_all();
     }
@@ -75,14 +75,18 @@ std::optional<Segment> SegmentedPictures::takeSegment() {
                waiting_ < mostWaiting || taken_ < wanted_ + workerCount_;
     });
     if (end_.stop_requested() || !failures_.empty() || isReadWhole_) return std::nullopt;
-    std::optional<Segment> segment = segments_.next();
-    if (segment) {
-        ++taken_;
-    } else {
+    try {
+        if (std::optional<Segment> segment = segments_.next()) {
+            ++taken_;
+            return segment;
+        }
         isReadWhole_ = true;
-        changed_.notify_all();
+    } catch (...) {
+        // Still under the lock: nobody may take a segment from behind the one that failed.
+        failures_.emplace(taken_, std::current_exception());
     }
-    return segment;
+    changed_.notify_all();
+    return std::nullopt;
 }
 
 void SegmentedPictures::handle(const Segment& segment, double part) {
