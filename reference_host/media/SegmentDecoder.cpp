@@ -134,7 +134,8 @@ private:
 
     /// Leaves out all of a group but its key frame, where that will do.
     bool leaveOutWhole(std::size_t index) {
-        if (packetsNeeded(index) > 1 || !showOneScene(index)) return false;
+        const bool isQuiet = packetsNeeded(index) == 1 && segment_.groups[index].size() > 1;
+        if (!isQuiet || !showOneScene(index)) return false;
         endChain();
         goingOn_.insert(keyOf(index + 1)->pts);
         const scenes::PictureFeatures& key = *keyView(index);

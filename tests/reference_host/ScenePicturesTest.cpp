@@ -336,6 +336,16 @@ TEST(ScenePictures, OfADamagedFileAreTheSameWithAnyNumberOfThreads) {
     EXPECT_GT(damaged, 0) << "decoders of some formats notice";
 }
 
+TEST(ScenePictures, EndWithAKeyFrameThatIsAlone) {
+    const FootageFiles files;
+    const auto file = files.make("a.mp4",
+                                 "-f lavfi -i smptebars=size=160x96:rate=25 -frames:v 101 "
+                                 "-c:v libx264 -g 25 -keyint_min 25 -sc_threshold 0");
+    const auto pictures = picturesOf(*readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0}}));
+    ASSERT_FALSE(pictures.empty());
+    EXPECT_EQ(pictures.back().positionTicks, 100 * stepTicks);
+}
+
 TEST(ScenePictures, OfACutOffFileEndWithIt) {
     const FootageFiles files;
     const auto file = makeScenes(files, {"a.mkv", x264});

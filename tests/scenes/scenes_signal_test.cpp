@@ -195,10 +195,10 @@ ThumbnailWindow steadyMix(const std::vector<std::int64_t>& stepsTicks) {
     return window;
 }
 
-TEST(BlendSignal, UnevenStepsMayTakeAThirdOfIt) {
+TEST(BlendSignal, UnevenStepsMayTakeAFourthOfIt) {
     // Seven pictures are the fewest of a blend, and leave room for no other length.
     for (std::size_t place = 0; place < 6; ++place) {
-        std::vector<std::int64_t> steps(6, 2 * stepTicks);
+        std::vector<std::int64_t> steps(6, 3 * stepTicks);
         EXPECT_GT(blendAt(steadyMix(steps), 3).strength, 50) << place;
         steps[place] = 5 * stepTicks;
         EXPECT_EQ(blendAt(steadyMix(steps), 3).framesBefore, 3U) << place;
@@ -211,13 +211,13 @@ TEST(BlendSignal, UnevenStepsMayTakeAThirdOfIt) {
 TEST(BlendSignal, LongerOneBridgesAStepThatIsTooLongForAShortOne) {
     std::vector<std::int64_t> steps(16, stepTicks);
     steps[8] = 4 * stepTicks;
-    // Up to four steps on each side, the long one is more than a third of 11; of 13 it is not.
+    // Up to six steps on each side, the long one is more than a fourth of 15; of 19 it is not.
     const Blend blend = blendAt(steadyMix(steps), 8);
     EXPECT_GT(blend.strength, 50);
-    EXPECT_GE(blend.framesBefore, 5U);
+    EXPECT_EQ(blend.framesBefore, 8U);
 }
 
-RC_GTEST_PROP(BlendSignal, NeverReachesAcrossAStepOfMoreThanAThird, ()) {
+RC_GTEST_PROP(BlendSignal, NeverReachesAcrossAStepOfMoreThanAFourth, ()) {
     const auto count = *rc::gen::inRange<std::size_t>(6, 24);
     const auto steps = *rc::gen::container<std::vector<std::int64_t>>(
         count,
@@ -231,7 +231,7 @@ RC_GTEST_PROP(BlendSignal, NeverReachesAcrossAStepOfMoreThanAThird, ()) {
     const std::size_t last = middle + blend.framesAfter;
     const std::int64_t length = window[last].positionTicks - window[first].positionTicks;
     for (std::size_t i = first; i < last; ++i)
-        RC_ASSERT(steps[i] * 3 <= length);
+        RC_ASSERT(steps[i] * 4 <= length);
 }
 
 TEST(SignalBuilder, KeepsPositionsAndStatistics) {

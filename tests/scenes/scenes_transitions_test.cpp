@@ -1,3 +1,4 @@
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -222,11 +223,36 @@ TEST(Fades, AtTheEndsAreNoScenes) {
     EXPECT_TRUE(findTransitions(signals, 3.0).empty());
 }
 
+/// Has every frame of a dissolve change by as much.
+void setSteps(std::vector<FrameSignal>& signals, std::size_t begin, std::size_t end, float change) {
+    for (std::size_t i = begin; i < end; ++i)
+        signals[i].change = signals[i].lastingChange = change;
+}
+
 TEST(Transitions, CutInTheMiddleOfADissolveIsPartOfIt) {
     auto signals = quietSignals(200);
     setBlend(signals, 100, 60, 10);
+    setSteps(signals, 91, 110, 4);
     setCut(signals, 102, 40);
     EXPECT_EQ(boundariesOf(findTransitions(signals, 3.0)), Frames({100}));
+}
+
+TEST(Transitions, CutThatIsMostOfWhatChangesIsNoDissolve) {
+    auto signals = quietSignals(200);
+    setBlend(signals, 100, 60, 10);
+    setCut(signals, 102, 40);
+    EXPECT_EQ(boundariesOf(findTransitions(signals, 3.0)), Frames({102}));
+}
+
+TEST(Transitions, LastStepOfADissolveIsNoCut) {
+    for (const auto& [change, frames] :
+         {std::pair(35.0F, Frames({100})), std::pair(60.0F, Frames({100, 112}))}) {
+        auto signals = quietSignals(200);
+        setBlend(signals, 100, 60, 10);
+        setSteps(signals, 91, 110, 20);
+        setCut(signals, 112, change);
+        EXPECT_EQ(boundariesOf(findTransitions(signals, 3.0)), frames) << change;
+    }
 }
 
 TEST(Transitions, DissolveEndsAtACutBesideIt) {
