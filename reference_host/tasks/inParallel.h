@@ -10,7 +10,7 @@ namespace reference_host {
 /// each step of it.
 using PartOfWork = std::function<void(std::size_t part, const std::function<void()>& step)>;
 
-/// Does the parts 0 to `parts` - 1 of some work at once, each on a thread of its own, and returns
+/// Does some work in as many parts as `parts` says at once, each on a thread of its own, and returns
 /// when all of them have ended. Meanwhile, the calling thread calls `onSteps` with how many steps
 /// all parts have taken together, in ascending order, the last one included; steps that are taken
 /// during such a call are told of in one.

@@ -20,9 +20,6 @@ Json entryOf(const path& video, std::vector<std::string> options) {
 }
 
 TEST_F(RealFootage, EndsWellForEveryVideo) {
-    // With some of these videos the leak checker dies by itself at the program's end, in
-    // thread-local memory of a thread that is not ours. The other tests have leaks looked for.
-    setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     constexpr std::int64_t minLengthTicks = 20000000;
     ASSERT_FALSE(videos().empty());
     for (const path& video : videos()) {
