@@ -15,9 +15,10 @@
 namespace reference_host::media {
 namespace {
 
-/// What the frames of all decoders may take together: each keeps some twelve of them.
-constexpr std::int64_t mostDecodedBytes = std::int64_t{512} << 20;
-constexpr std::int64_t framesOfDecoder = 12;
+/// What the frames of all threads may take together: each has two decoders, which keep up to some
+/// twelve of them.
+constexpr std::int64_t mostDecodedBytes = std::int64_t{640} << 20;
+constexpr std::int64_t framesOfThread = 24;
 
 /// More threads than this wait for the disk and for each other.
 constexpr unsigned mostThreads = 16;
@@ -81,13 +82,15 @@ std::int64_t inUnitsOf(const AVStream& stream, double ticks) {
     return static_cast<std::int64_t>(std::clamp(units, 0.0, 9e18));
 }
 
-std::size_t threadsFor(const AVCodecParameters& codec, unsigned wanted) {
+/// Returns how many threads decode; no worker where not one of them has room.
+SegmentedPictures::Crew crewFor(const AVCodecParameters& codec, unsigned wanted) {
     const std::int64_t frameBytes =
         std::max<std::int64_t>(1, std::int64_t{codec.width} * codec.height * 3 / 2);
-    const std::int64_t affordable = mostDecodedBytes / (framesOfDecoder * frameBytes);
+    const std::int64_t affordable = mostDecodedBytes / (framesOfThread * frameBytes);
     const unsigned useful = wanted > 0 ? wanted : std::thread::hardware_concurrency();
-    return static_cast<std::size_t>(
-        std::min<std::int64_t>(affordable, std::min(useful, mostThreads)));
+    const std::int64_t workers = std::min<std::int64_t>(affordable, std::min(useful, mostThreads));
+    const std::int64_t helpers = std::max<std::int64_t>(0, std::min(affordable, 2 * workers - 1) - workers);
+    return {static_cast<std::size_t>(workers), static_cast<std::size_t>(helpers)};
 }
 
 /// Returns the grid in which pictures of `stream` are kept: so coarse that they find room together.
@@ -147,16 +150,18 @@ public:
 private:
     void open(const Plan& plan) {
         const AVStream& video = container_->video();
-        const std::size_t threads = threadsFor(*video.codecpar, plan.threads);
-        if (threads == 0 || !isDivisible(video, facts_)) return openSequential();
+        if (!isDivisible(video, facts_)) return openSequential();
+        const SegmentedPictures::Crew crew = crewFor(*video.codecpar, plan.threads);
+        if (crew.workers == 0) return openSequential();
         const auto units = [&video](std::int64_t ticks) {
             return inUnitsOf(video, static_cast<double>(ticks));
         };
-        const LongestGap gap{units(plan.gap.always), units(plan.gap.most), plan.gap.part};
+        const LongestGap gap{units(plan.gap.always), units(plan.gap.most), plan.gap.part,
+                             units(plan.gap.brief)};
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
             SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_},
-            threads, stop_, tell_);
+            crew, stop_, tell_);
     }
 
     void openSequential() {

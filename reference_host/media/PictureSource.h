@@ -20,6 +20,8 @@ struct LongestGap {
     std::int64_t always = 0;
     std::int64_t most = 0;
     double part = 0;
+    /// Up to this length, it may be left out for what is seen at its two ends alone.
+    std::int64_t brief = 0;
 };
 
 /// Gives the pictures of a video, or those of them that matter for its scenes.

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <stop_token>
 #include <vector>
 
-#include "reference_host/media/Decoder.h"
 #include "reference_host/media/KeyRhythm.h"
+#include "reference_host/media/PictureChain.h"
 #include "reference_host/media/PictureKeeper.h"
 #include "reference_host/media/PictureScaler.h"
 #include "reference_host/media/PictureSource.h"
@@ -38,8 +38,8 @@ struct SegmentView {
 ///
 /// Two kinds of pictures are left out. Those that no other picture needs, where the pictures on
 /// both sides show one view: seen from there, no scene begins between them. And the rest of a group
-/// of pictures, where the packets' sizes tell of nothing new and the next key frame shows the view
-/// of the last picture.
+/// of pictures, where the packets' sizes tell of nothing new and the next key frame either shows
+/// the view of the last picture, or a new one that has surely begun with itself.
 class SegmentDecoder {
 public:
     struct Plan {
@@ -67,15 +67,15 @@ public:
 private:
     class Work;
 
-    const Plan plan_;
-    const std::stop_token stop_;
     void openDecoders();
 
+    const Plan plan_;
+    const std::stop_token stop_;
     const AVStream& stream_;
-    /// Decodes one picture after the other.
-    std::optional<Decoder> chain_;
-    /// Decodes single key frames.
-    std::optional<Decoder> keys_;
+    std::unique_ptr<PictureChain> chain_;
+    /// Decodes key frames that are looked at before what is in front of them, and takes the place
+    /// of `chain_` where decoding goes on from there.
+    std::unique_ptr<PictureChain> ahead_;
     PictureScaler scaler_;
     PictureKeeper keeper_;
 };

@@ -18,9 +18,10 @@ constexpr std::chrono::milliseconds tellInterval{50};
 
 SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
                                      const FootageFacts& facts, const SegmentDecoder::Plan& plan,
-                                     std::size_t workers, const std::stop_token& stop, Tell tell)
+                                     const Crew& crew, const std::stop_token& stop, Tell tell)
     : plan_(plan),
-      workerCount_(static_cast<std::int64_t>(workers)),
+      workerCount_(static_cast<std::int64_t>(crew.workers)),
+      helperCount_(crew.helpers),
       lastTimestamp_(facts.lastTimestamp),
       length_(std::max(1.0, static_cast<double>(facts.lastTimestamp) -
                                 static_cast<double>(facts.originTimestamp))),
@@ -28,8 +29,10 @@ SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
       stopped_(stop, [this] { end_.request_stop(); }),
       container_(std::move(container)),
       segments_(*container_) {
-    for (std::size_t i = 0; i < workers; ++i)
-        workers_.emplace_back([this] { work(); });
+    for (std::size_t i = 0; i < crew.workers; ++i)
+        workers_.emplace_back([this] { work(Role::worker); });
+    for (std::size_t i = 0; i < crew.helpers; ++i)
+        workers_.emplace_back([this] { work(Role::helper); });
 }
 
 SegmentedPictures::~SegmentedPictures() {
@@ -41,25 +44,23 @@ SegmentedPictures::~SegmentedPictures() {
     workers_.clear();
 }
 
-void SegmentedPictures::work() {
+void SegmentedPictures::work(Role role) {
     std::optional<std::int64_t> current;
     try {
-        decodeSegments(current);
+        decodeSegments(role, current);
     } catch (...) {
         const std::scoped_lock lock(mutex_);
-        // Without a segment, it is the decoder that could not be opened.
         failures_.emplace(current.value_or(taken_), std::current_exception());
         changed_.notify_all();
     }
 }
 
-void SegmentedPictures::decodeSegments(std::optional<std::int64_t>& current) {
-    std::unique_lock opening(mutex_);  // reading may change what is known about the stream
-    SegmentDecoder decoder(container_->video(), plan_, end_.get_token());
-    opening.unlock();
-    while (const std::optional<Segment> segment = takeSegment()) {
+void SegmentedPictures::decodeSegments(Role role, std::optional<std::int64_t>& current) {
+    std::optional<SegmentDecoder> decoder;
+    while (const std::optional<Segment> segment = takeSegment(role)) {
         current = segment->number;
-        SegmentView view = decoder.decode(*segment, [&](double part) { handle(*segment, part); });
+        if (!decoder) open(decoder);
+        SegmentView view = decoder->decode(*segment, [&](double part) { handle(*segment, part); });
         current.reset();
         const std::scoped_lock lock(mutex_);
         waiting_ += view.pictures.size();
@@ -68,19 +69,37 @@ void SegmentedPictures::decodeSegments(std::optional<std::int64_t>& current) {
     }
 }
 
-std::optional<Segment> SegmentedPictures::takeSegment() {
+void SegmentedPictures::open(std::optional<SegmentDecoder>& decoder) {
+    const std::scoped_lock lock(mutex_);  // reading may change what is known about the stream
+    decoder.emplace(container_->video(), plan_, end_.get_token());
+}
+
+bool SegmentedPictures::isWaitingFull() const {
+    return waiting_ >= mostWaiting;
+}
+
+bool SegmentedPictures::mayTake(Role role) const {
+    if (role == Role::helper && !segments_.isDownTo(helperCount_)) return false;
+    return !isWaitingFull() || segments_.first() < wanted_ + workerCount_;
+}
+
+std::optional<Segment> SegmentedPictures::takeSegment(Role role) {
+    using enum SegmentQueue::Order;
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] {
-        return end_.stop_requested() || !failures_.empty() || isReadWhole_ ||
-               waiting_ < mostWaiting || taken_ < wanted_ + workerCount_;
+    changed_.wait(lock, [this, role] {
+        return end_.stop_requested() || !failures_.empty() || isReadWhole_ || mayTake(role);
     });
-    if (end_.stop_requested() || !failures_.empty() || isReadWhole_) return std::nullopt;
+    if (end_.stop_requested() || isReadWhole_) return std::nullopt;
+    // What is in front of a failure is still wanted.
+    const std::int64_t limit =
+        failures_.empty() ? SegmentQueue::noLimit : failures_.begin()->first;
     try {
-        if (std::optional<Segment> segment = segments_.next()) {
+        if (auto segment = segments_.take(isWaitingFull() ? ofVideo : largestFirst, limit)) {
             ++taken_;
+            changed_.notify_all();
             return segment;
         }
-        isReadWhole_ = true;
+        isReadWhole_ = failures_.empty();
     } catch (...) {
         // Still under the lock: nobody may take a segment from behind the one that failed.
         failures_.emplace(taken_, std::current_exception());

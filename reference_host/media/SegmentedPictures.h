@@ -18,7 +18,7 @@
 #include "reference_host/media/FootageFacts.h"
 #include "reference_host/media/PictureSource.h"
 #include "reference_host/media/SegmentDecoder.h"
-#include "reference_host/media/SegmentReader.h"
+#include "reference_host/media/SegmentQueue.h"
 
 namespace reference_host::media {
 
@@ -29,11 +29,20 @@ public:
     /// Takes in, on the thread that is in next(), how much of the packets has been handled: 0 to 1.
     using Tell = std::function<void(double share)>;
 
+    /// How many threads there are.
+    struct Crew {
+        /// From the beginning on; at least 1.
+        std::size_t workers = 1;
+        /// For the last segments only, so many of which are not left for when a worker is free: of
+        /// five equal ones, two cores would work on the last with one.
+        std::size_t helpers = 0;
+    };
+
     /// Reads the packets of `container`, which has been opened and not been read; `facts` were
-    /// found in the same file before. Reading ends soon after `stop` is requested. `workers` is at
-    /// least 1. Throws MediaError.
+    /// found in the same file before. Reading ends soon after `stop` is requested. Throws
+    /// MediaError.
     SegmentedPictures(std::unique_ptr<Container> container, const FootageFacts& facts,
-                      const SegmentDecoder::Plan& plan, std::size_t workers,
+                      const SegmentDecoder::Plan& plan, const Crew& crew,
                       const std::stop_token& stop, Tell tell);
     ~SegmentedPictures() override;
 
@@ -43,15 +52,22 @@ public:
     std::vector<KeptPicture> takeKept() override { return std::move(kept_); }
 
 private:
-    void work();
+    enum class Role { worker, helper };
+
+    void work(Role role);
     /// Leaves in `current` the number of the segment that is being decoded.
-    void decodeSegments(std::optional<std::int64_t>& current);
-    std::optional<Segment> takeSegment();
+    void decodeSegments(Role role, std::optional<std::int64_t>& current);
+    /// Returns the next segment once it may be decoded in this role; none when there is none left.
+    std::optional<Segment> takeSegment(Role role);
+    bool mayTake(Role role) const;
+    bool isWaitingFull() const;
+    void open(std::optional<SegmentDecoder>& decoder);
     void handle(const Segment& segment, double part);
     bool waitForView();
 
     const SegmentDecoder::Plan plan_;
     const std::int64_t workerCount_;
+    const std::size_t helperCount_;
     const std::int64_t lastTimestamp_;
     /// How long the whole video is, in the unit of its stream.
     const double length_;
@@ -63,7 +79,7 @@ private:
 
     std::mutex mutex_;
     std::condition_variable changed_;
-    SegmentReader segments_;
+    SegmentQueue segments_;
     /// What the workers have seen, by the segments' numbers.
     std::map<std::int64_t, SegmentView> views_;
     /// How many pictures that makes.

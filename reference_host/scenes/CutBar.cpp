@@ -19,7 +19,7 @@ constexpr double movedViewPart = 4.0;
 /// From so many times the least cut on, with the movement near them added, it is a new view.
 constexpr double newViewPart = 4.0;
 
-/// Pictures of less contrast than this are dark or flat: half an ordinary picture's.
+/// Plain pictures have less contrast than this: half an ordinary picture's.
 constexpr double plainContrast = ordinaryContrast / 2;
 
 /// Room for the movement between two neighbours, which may make a cut look smaller.
@@ -39,16 +39,18 @@ double leastCut(float contrastBefore, float contrastAfter, double threshold) {
     return threshold * stillChange * contrastScale(contrastBefore, contrastAfter, smallestCutScale);
 }
 
+bool isPlain(const PictureFeatures& picture) {
+    return picture.contrast < plainContrast;
+}
+
 Passage passageBetween(const PictureFeatures& before, const PictureFeatures& after, double pace,
                        double threshold) {
     const Difference difference = differenceBetween(before.thumbnail, after.thumbnail);
     const double least = leastCut(before.contrast, after.contrast, threshold);
     if (difference.overall <= sameViewPart * least) return Passage::sameView;
     if (difference.overall <= movedViewPart * least) return Passage::movedView;
-    // A fade leads there as well as a cut does.
-    const bool isPlain = std::min(before.contrast, after.contrast) < plainContrast;
     const bool standsOut = difference.widespread >= newViewPart * least + threshold * pace;
-    return standsOut && !isPlain ? Passage::newView : Passage::unclear;
+    return standsOut && !isPlain(before) && !isPlain(after) ? Passage::newView : Passage::unclear;
 }
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,

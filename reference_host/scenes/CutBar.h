@@ -21,6 +21,9 @@ double contrastScale(float contrastBefore, float contrastAfter, double smallest)
 /// nothing else moves.
 double leastCut(float contrastBefore, float contrastAfter, double threshold);
 
+/// Says whether a picture is dark or flat: a fade may lead to it or begin with it.
+bool isPlain(const PictureFeatures& picture);
+
 /// What two pictures with others between them tell about these.
 enum class Passage {
     sameView,   ///< both show one scene, nearly unchanged

@@ -27,6 +27,9 @@ constexpr std::int64_t shortGapForKeyFrames = KOR::ticksPerSecond * 5 / 4;
 constexpr std::int64_t longestGapForKeyFrames = 2 * KOR::ticksPerSecond;
 constexpr double partForKeyFrames = 0.6;
 
+/// A view that is seen again after less than this was interrupted by a flash, not by a scene.
+constexpr std::int64_t briefestScene = KOR::ticksPerSecond * 5 / 4;
+
 /// Keyframes are chosen from so many pictures a second at most.
 constexpr std::int64_t shortestKept = KOR::ticksPerSecond / 2;
 
@@ -39,9 +42,9 @@ void noteDamage(Footage& footage, const media::Damage& damage) {
 media::PictureReader::Plan planFor(const AnalysisRequest& request, double threshold) {
     media::PictureReader::Plan plan;
     plan.threshold = threshold;
-    plan.gap = {longestGapForScenes, longestGapForScenes, 0};
+    plan.gap = {longestGapForScenes, longestGapForScenes, 0, briefestScene};
     if (request.wantsKeyFrames) {
-        plan.gap = {shortGapForKeyFrames, longestGapForKeyFrames, partForKeyFrames};
+        plan.gap = {shortGapForKeyFrames, longestGapForKeyFrames, partForKeyFrames, briefestScene};
         plan.shortestKeptTicks = shortestKept;
     }
     return plan;

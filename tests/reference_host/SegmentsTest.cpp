@@ -150,7 +150,7 @@ TEST(Segments, PassOnWhyTheirDecoderFails) {
     const auto unknown = files.write("b.avi", bytes);
     for (const std::size_t workers : {1U, 4U}) {
         SegmentedPictures pictures(std::make_unique<Container>(unknown, std::stop_token{}), facts,
-                                   {}, workers, {}, [](double) {});
+                                   {}, {workers, workers - 1}, {}, [](double) {});
         std::int64_t timestamp = 0;
         PictureFeatures seen;
         EXPECT_THROW(pictures.next(timestamp, seen), MediaError) << workers;
