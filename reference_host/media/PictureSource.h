@@ -3,16 +3,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "reference_host/media/Damage.h"
 #include "reference_host/media/PictureKeeper.h"
 #include "reference_host/scenes/PictureFeatures.h"
 
 namespace reference_host::media {
-
-/// How many frames were lost or incomplete, of how many.
-struct Damage {
-    std::int64_t damaged = 0;
-    std::int64_t all = 0;
-};
 
 /// How long a stretch of a video may be of which nothing is seen: the given part of the way from
 /// one key frame to the next, but not less than `always` and not more than `most`.

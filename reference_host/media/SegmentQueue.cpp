@@ -8,7 +8,7 @@ namespace {
 
 /// So much is read ahead: at two cores, what they do in some seconds.
 constexpr std::size_t mostAhead = 12;
-constexpr std::int64_t mostBytesAhead = std::int64_t{32} << 20;
+constexpr std::int64_t mostBytesAhead = std::int64_t{64} << 20;
 
 std::int64_t bytesOf(const Segment& segment) {
     std::int64_t bytes = 0;

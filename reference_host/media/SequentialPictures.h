@@ -3,13 +3,14 @@
 #include <filesystem>
 #include <stop_token>
 
-#include "reference_host/media/FrameReader.h"
+#include "reference_host/media/FramesAhead.h"
 #include "reference_host/media/PictureScaler.h"
 #include "reference_host/media/PictureSource.h"
 
 namespace reference_host::media {
 
-/// Decodes all pictures one after the other, with the threads of the decoder.
+/// Decodes all pictures one after the other, with the threads of the decoder, and looks at them on
+/// the caller's.
 class SequentialPictures final : public PictureSource {
 public:
     /// One picture of each part of `kept` is kept. Reading ends soon after `stop` is requested.
@@ -22,7 +23,7 @@ public:
     std::vector<KeptPicture> takeKept() override { return keeper_.take(); }
 
 private:
-    FrameReader reader_;
+    FramesAhead frames_;
     PictureScaler scaler_;
     PictureKeeper keeper_;
     std::int64_t unreadable_ = 0;

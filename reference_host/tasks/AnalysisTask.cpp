@@ -71,6 +71,7 @@ void run(TaskChannel& channel, const AnalysisRequest& request, const std::stop_t
     std::shared_ptr<const AnalysisResults> results;
     try {
         results = std::make_shared<const AnalysisResults>(analyse(request, stop, progress));
+        progress.report(100);
         if (!stop.stop_requested()) request.footage->noteAnalysed();
     } catch (const std::exception& failure) {
         // What fails because it was stopped says nothing about the footage.
