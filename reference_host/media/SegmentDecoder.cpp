@@ -191,7 +191,7 @@ private:
         // decoded; nor are they part of this stretch then.
         const bool isFirst = segment_.number + static_cast<std::int64_t>(index) == 0;
         for (std::size_t i = 1; i < group.size() && !isStopped(); ++i) {
-            if (i == std::max(needed, leastDecoded)) {
+            if (mayLeaveOutFrom(i, std::max(needed, leastDecoded), group.size())) {
                 const Rest rest = restOf(index, i);
                 if (rest == Rest::oneScene) return leaveOutFrom(index, i);
                 if (rest == Rest::upToNewScene) return endChain();
@@ -201,6 +201,13 @@ private:
             send(*group[i]);
             tellUpTo(i + 1);
         }
+    }
+
+    /// Says whether it is time to ask for what comes behind a packet: where the rest becomes quiet,
+    /// and some pictures later again, since movement may cease and fades end.
+    static bool mayLeaveOutFrom(std::size_t packet, std::size_t quietFrom, std::size_t end) {
+        return packet >= quietFrom && (packet - quietFrom) % leastLeftOut == 0 &&
+               packet + leastLeftOut <= end;
     }
 
     /// Decodes a whole group from its key frame on.
