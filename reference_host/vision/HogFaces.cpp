@@ -1,5 +1,8 @@
 #include "reference_host/vision/HogFaces.h"
 
+#include <iterator>
+#include <sstream>
+#include <string>
 #include <utility>
 
 #include <dlib/image_processing/frontal_face_detector.h>
@@ -13,12 +16,22 @@ struct HogFaces::Model {
 
 namespace {
 
-/// The model as it comes out of dlib, to be copied: a detector changes while it looks, and copying
-/// it takes a thousandth of the time. Never destroyed: while the process ends, a run may still be
-/// on its way to copy it.
+/// What packFaceModel has written.
+constexpr unsigned char packedModel[] = {
+#include "faceModel.inc"
+};
+
+dlib::frontal_face_detector unpackModel() {
+    std::istringstream bytes(std::string(std::begin(packedModel), std::end(packedModel)));
+    dlib::frontal_face_detector detector;
+    dlib::deserialize(detector, bytes);
+    return detector;
+}
+
+/// The model to be copied: a detector changes while it looks. Never destroyed: while the process
+/// ends, a run may still be on its way to copy it.
 const dlib::frontal_face_detector& unpackedModel() {
-    static const auto& model =
-        *new const dlib::frontal_face_detector(dlib::get_frontal_face_detector());
+    static const auto& model = *new const dlib::frontal_face_detector(unpackModel());
     return model;
 }
 

@@ -21,7 +21,6 @@ public:
 
     /// Returns the faces in `picture`, one channel of 8 bits: those that are at least smallestPx
     /// across and score at least `lowestScore`, 0 being where the model itself would draw the line.
-    /// The first of these calls in the process unpacks the model, which takes a third of a second.
     std::vector<Find> find(const cv::Mat& picture, double lowestScore);
 
     /// What the detector's model is made for.
