@@ -26,8 +26,8 @@ struct TimedFrame {
 };
 
 /// Decodes the frames of a video on a thread of its own, a few ahead of who takes them: many
-/// decoders use one core only, and leave another to whoever looks at the frames. next() and damage()
-/// belong to one thread at a time.
+/// decoders use one core only, and leave another to whoever looks at the frames. next() and
+/// damage() belong to one thread at a time.
 class FramesAhead {
 public:
     /// Opens `file`. Reading ends soon after `stop` is requested. Throws MediaError.

@@ -89,7 +89,8 @@ SegmentedPictures::Crew crewFor(const AVCodecParameters& codec, unsigned wanted)
     const std::int64_t affordable = mostDecodedBytes / (framesOfThread * frameBytes);
     const unsigned useful = wanted > 0 ? wanted : std::thread::hardware_concurrency();
     const std::int64_t workers = std::min<std::int64_t>(affordable, std::min(useful, mostThreads));
-    const std::int64_t helpers = std::max<std::int64_t>(0, std::min(affordable, 2 * workers - 1) - workers);
+    const std::int64_t helpers =
+        std::max<std::int64_t>(0, std::min(affordable, 2 * workers - 1) - workers);
     return {static_cast<std::size_t>(workers), static_cast<std::size_t>(helpers)};
 }
 
@@ -160,8 +161,8 @@ private:
                              units(plan.gap.brief)};
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
-            SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_},
-            crew, stop_, tell_);
+            SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_}, crew,
+            stop_, tell_);
     }
 
     void openSequential() {

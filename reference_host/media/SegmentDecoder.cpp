@@ -128,8 +128,7 @@ private:
     /// Says whether a group is so short, and all in it so small, that a new scene could neither be
     /// seen in it nor stored.
     bool isBriefAndSmall(std::size_t index) const {
-        return lengthOf(index) <= owner_.plan_.gap.brief &&
-               packetsBringNoScene(index, 1);
+        return lengthOf(index) <= owner_.plan_.gap.brief && packetsBringNoScene(index, 1);
     }
 
     bool packetsBringNoScene(std::size_t index, std::size_t from) const {
@@ -230,8 +229,8 @@ private:
         const scenes::PictureFeatures* next = keyView(index + 1);
         if (newest_ == pictures_.end() || next == nullptr) return Rest::needed;
         const scenes::Passage passage =
-            scenes::passageBetween(std::prev(pictures_.end())->second, *next,
-                                   latestMovement(index), owner_.plan_.threshold);
+            scenes::passageBetween(std::prev(pictures_.end())->second, *next, latestMovement(index),
+                                   owner_.plan_.threshold);
         if (isOneScene(passage, index, from)) return Rest::oneScene;
         // A coder that begins a new group out of turn has seen the new scene begin there.
         if (passage != scenes::Passage::newView || !chain().givesAtOnce() ||
@@ -264,7 +263,8 @@ private:
             std::max_element(group.begin(), group.end(),
                              [](const auto& a, const auto& b) { return a->pts < b->pts; });
         std::optional<scenes::PictureFeatures> seen;
-        chain().glimpse(**last, [&](const AVFrame& frame, std::int64_t) { seen = featuresOf(frame); });
+        chain().glimpse(**last,
+                        [&](const AVFrame& frame, std::int64_t) { seen = featuresOf(frame); });
         return seen && differenceOf(*seen, next) < differenceOf(*seen, newest_->second);
     }
 
@@ -299,8 +299,18 @@ private:
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
         const auto after = pictures_.upper_bound(timestamp);
         if (after == pictures_.begin() || after == pictures_.end()) return false;
-        return scenes::areNeighboursOfOneScene(std::prev(after)->second, after->second, pace_,
-                                               owner_.plan_.threshold);
+        const auto before = std::prev(after);
+        return scenes::areNeighboursOfOneScene(before->second, after->second, pace_,
+                                               owner_.plan_.threshold) &&
+               !(owner_.seesBlendsWhole_ && isInBlend(before, after));
+    }
+
+    bool isInBlend(Pictures::const_iterator before, Pictures::const_iterator after) const {
+        const auto next = std::next(after);
+        return (next != pictures_.end() &&
+                scenes::mayBlend(before->second, after->second, next->second)) ||
+               (before != pictures_.begin() &&
+                scenes::mayBlend(std::prev(before)->second, before->second, after->second));
     }
 
     /// Returns the features of a frame; none for a pixel format that cannot be read.
@@ -331,8 +341,8 @@ private:
         pace_ += paceWeight * (counted - pace_);
     }
 
-    /// Returns what the key frame of a group shows, valid until another one is asked for; null where
-    /// that cannot be seen. It has been decoded ahead of the chain.
+    /// Returns what the key frame of a group shows, valid until another one is asked for; null
+    /// where that cannot be seen. It has been decoded ahead of the chain.
     const scenes::PictureFeatures* keyView(std::size_t group) {
         if (aheadAt_ != group) look(group);
         return keyFeatures_ ? &*keyFeatures_ : nullptr;
@@ -400,7 +410,11 @@ private:
 };
 
 SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::stop_token stop)
-    : plan_(plan), stop_(std::move(stop)), stream_(stream), keeper_(stream, plan.kept) {
+    : plan_(plan),
+      stop_(std::move(stop)),
+      stream_(stream),
+      seesBlendsWhole_(stream.codecpar->codec_id != AV_CODEC_ID_H264),
+      keeper_(stream, plan.kept) {
     openDecoders();
 }
 

@@ -72,6 +72,10 @@ private:
     const Plan plan_;
     const std::stop_token stop_;
     const AVStream& stream_;
+    /// Whether all pictures are decoded where a dissolve may be under way, so that its middle is
+    /// found to the picture. That takes up to a fifth longer; H.264, the most usual format, is to
+    /// be fast instead.
+    const bool seesBlendsWhole_;
     std::unique_ptr<PictureChain> chain_;
     /// Decodes key frames that are looked at before what is in front of them, and takes the place
     /// of `chain_` where decoding goes on from there.

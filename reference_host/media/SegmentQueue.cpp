@@ -30,9 +30,8 @@ std::optional<Segment> SegmentQueue::take(Order order, std::int64_t limit) {
     if (end == ahead_.begin()) return std::nullopt;
     auto chosen = ahead_.begin();
     if (isAtEnd_ && order == Order::largestFirst) {
-        chosen = std::max_element(ahead_.begin(), end, [](const Ahead& a, const Ahead& b) {
-            return a.bytes < b.bytes;
-        });
+        chosen = std::max_element(ahead_.begin(), end,
+                                  [](const Ahead& a, const Ahead& b) { return a.bytes < b.bytes; });
     }
     Segment segment = std::move(chosen->segment);
     bytesAhead_ -= chosen->bytes;

@@ -14,7 +14,8 @@
 namespace reference_host::media {
 
 /// Reads the segments of a video some way ahead, and has the large ones among the last worked on
-/// first: begun at last, one of them would have others wait for it. Belongs to one thread at a time.
+/// first: begun at last, one of them would have others wait for it. Belongs to one thread at a
+/// time.
 class SegmentQueue {
 public:
     /// Reads what `container`, which has to outlive this, gives from now on.

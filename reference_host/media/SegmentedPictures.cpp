@@ -91,8 +91,7 @@ std::optional<Segment> SegmentedPictures::takeSegment(Role role) {
     });
     if (end_.stop_requested() || isReadWhole_) return std::nullopt;
     // What is in front of a failure is still wanted.
-    const std::int64_t limit =
-        failures_.empty() ? SegmentQueue::noLimit : failures_.begin()->first;
+    const std::int64_t limit = failures_.empty() ? SegmentQueue::noLimit : failures_.begin()->first;
     try {
         if (auto segment = segments_.take(isWaitingFull() ? ofVideo : largestFirst, limit)) {
             ++taken_;

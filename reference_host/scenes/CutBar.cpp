@@ -29,6 +29,14 @@ constexpr double neighbourPart = 0.8;
 /// neighbours.
 constexpr double paceOfOneStep = 0.5;
 
+/// A blend changes at least so much over two steps: less is grain.
+constexpr double leastBlend = 2.0;
+
+/// How badly a mix of its neighbours may explain the middle picture of a blend, and how much of the
+/// change may fall to one of the two steps.
+constexpr float largestBlendResidual = 0.5F;
+constexpr float largestShareOfOneStep = 0.85F;
+
 }  // namespace
 
 double contrastScale(float contrastBefore, float contrastAfter, double smallest) {
@@ -51,6 +59,14 @@ Passage passageBetween(const PictureFeatures& before, const PictureFeatures& aft
     if (difference.overall <= movedViewPart * least) return Passage::movedView;
     const bool standsOut = difference.widespread >= newViewPart * least + threshold * pace;
     return standsOut && !isPlain(before) && !isPlain(after) ? Passage::newView : Passage::unclear;
+}
+
+bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
+              const PictureFeatures& last) {
+    const Mixture mixture = mixtureOf(first.thumbnail, middle.thumbnail, last.thumbnail);
+    return mixture.residual <= largestBlendResidual && mixture.share <= largestShareOfOneStep &&
+           mixture.share >= 1 - largestShareOfOneStep &&
+           differenceBetween(first.thumbnail, last.thumbnail).overall >= leastBlend;
 }
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,

@@ -42,4 +42,9 @@ Passage passageBetween(const PictureFeatures& before, const PictureFeatures& aft
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
                              double pace, double threshold);
 
+/// Says whether three pictures, which follow each other at a few pictures' distance, may be part of
+/// a dissolve or fade: what changes from the first to the last does so steadily.
+bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
+              const PictureFeatures& last);
+
 }  // namespace reference_host::scenes

@@ -5,8 +5,9 @@
 
 #include <dlib/image_processing/frontal_face_detector.h>
 
-/// Writes dlib's model of faces as a list of bytes, to be compiled in. dlib itself has it so tightly
-/// packed that unpacking takes a sixth of a second, a hundred times as long as reading these bytes.
+/// Writes dlib's model of faces as a list of bytes, to be compiled in. dlib itself has it so
+/// tightly packed that unpacking takes a sixth of a second, a hundred times as long as reading
+/// these bytes.
 ///
 ///   packFaceModel FILE
 int main(int argc, char** argv) {

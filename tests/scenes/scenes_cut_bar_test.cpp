@@ -48,6 +48,40 @@ TEST(LeastCut, IsTheThresholdTimesTheStillChange) {
     EXPECT_DOUBLE_EQ(leastCut(0, 0, 3), 2.25);
 }
 
+TEST(IsPlain, BelowHalfOfAnOrdinaryContrast) {
+    EXPECT_TRUE(isPlain(grey(100, 15.9F)));
+    EXPECT_FALSE(isPlain(grey(100, 16)));
+}
+
+bool mayBlendOver(int toMiddle, int toLast) {
+    return mayBlend(grey(50), grey(50 + toMiddle), grey(50 + toLast));
+}
+
+TEST(MayBlend, WhereTheMiddlePictureIsAMixOfTheOthers) {
+    EXPECT_TRUE(mayBlendOver(50, 100));
+    EXPECT_TRUE(mayBlendOver(15, 100));
+    EXPECT_TRUE(mayBlendOver(85, 100));
+    EXPECT_FALSE(mayBlendOver(14, 100)) << "nearly all of it is the second step";
+    EXPECT_FALSE(mayBlendOver(86, 100)) << "nearly all of it is the first step";
+    EXPECT_FALSE(mayBlendOver(150, 100)) << "a flash";
+}
+
+TEST(MayBlend, NotWhereHardlyAnythingChanges) {
+    EXPECT_FALSE(mayBlendOver(0, 0));
+    const PictureFeatures first = featuresOf(Scenery(1).picture());
+    EXPECT_FALSE(mayBlend(first, first, first));
+    // Two steps of brightness: a difference of 4, where 2 are enough.
+    EXPECT_TRUE(mayBlendOver(1, 2));
+}
+
+TEST(MayBlend, NotWhereTheMiddleShowsSomethingElse) {
+    const PictureFeatures first = featuresOf(Scenery(1).picture());
+    const PictureFeatures last = featuresOf(Scenery(2).picture());
+    EXPECT_FALSE(mayBlend(first, featuresOf(Scenery(3).picture()), last));
+    EXPECT_FALSE(mayBlend(first, first, last));
+    EXPECT_FALSE(mayBlend(first, last, last));
+}
+
 // At a contrast of 32 and a threshold of 3, the least cut is 9.
 
 TEST(PassageBetween, OneViewUpToTwiceTheLeastCut) {
