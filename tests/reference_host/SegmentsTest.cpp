@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -139,6 +140,36 @@ TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
         ++count;
     }
     EXPECT_GT(count, 1U);
+}
+
+/// Stores pictures of which each needs more bytes than the one before, in a format that is unknown.
+std::filesystem::path makeGrowingUnknown(const FootageFiles& files) {
+    std::string bytes = contentOf(files.make(
+        "a.avi", input + "nullsrc=size=64x48:rate=25,geq='lum=random(1)*N/4:cb=128:cr=128' "
+                         "-frames:v 400 -c:v mjpeg -q:v 2"));
+    for (std::size_t at = bytes.find("MJPG"); at != std::string::npos; at = bytes.find("MJPG"))
+        bytes.replace(at, 4, "ZZZZ");
+    return files.write("b.avi", bytes);
+}
+
+TEST(Segments, AreDecodedInFrontOfOneThatFailedAheadOfItsTurn) {
+    const FootageFiles files;
+    const auto unknown = makeGrowingUnknown(files);
+    const FootageFacts facts = inspect(files.path("a.avi"));
+    for (const SegmentedPictures::Crew crew :
+         {SegmentedPictures::Crew{1, 0}, SegmentedPictures::Crew{2, 1}}) {
+        std::stop_source stop;
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        SegmentedPictures pictures(std::make_unique<Container>(unknown, std::stop_token{}), facts,
+                                   {}, crew, stop.get_token(), [&](double) {
+                                       if (std::chrono::steady_clock::now() > until)
+                                           stop.request_stop();
+                                   });
+        std::int64_t timestamp = 0;
+        PictureFeatures seen;
+        EXPECT_THROW(pictures.next(timestamp, seen), MediaError) << crew.workers;
+        EXPECT_FALSE(stop.stop_requested()) << "nobody was left to decode the first one";
+    }
 }
 
 TEST(Segments, PassOnWhyTheirDecoderFails) {
