@@ -128,8 +128,7 @@ private:
     /// Says whether a group is so short, and all in it so small, that a new scene could neither be
     /// seen in it nor stored.
     bool isBriefAndSmall(std::size_t index) const {
-        return lengthOf(index) <= owner_.plan_.gap.brief &&
-               packetsBringNoScene(index, 1);
+        return lengthOf(index) <= owner_.plan_.gap.brief && packetsBringNoScene(index, 1);
     }
 
     bool packetsBringNoScene(std::size_t index, std::size_t from) const {
@@ -178,9 +177,11 @@ private:
     }
 
     /// Says whether a chain may end before a group because its key frame has been decoded already
-    /// to be looked at.
+    /// to be looked at. Not before the last one: where a file is cut off, that may lack a part,
+    /// which only the pictures before it can make up for.
     bool canTakeOver(std::size_t index) const {
-        return aheadAt_ == index && owner_.ahead_->isBegun() && !hasLeadingPictures(index);
+        return aheadAt_ == index && owner_.ahead_->isBegun() && !hasLeadingPictures(index) &&
+               keyOf(index + 1) != nullptr;
     }
 
     /// Decodes a group behind its key frame; from `needed` packets on, the rest is left out if what
@@ -230,8 +231,8 @@ private:
         const scenes::PictureFeatures* next = keyView(index + 1);
         if (newest_ == pictures_.end() || next == nullptr) return Rest::needed;
         const scenes::Passage passage =
-            scenes::passageBetween(std::prev(pictures_.end())->second, *next,
-                                   latestMovement(index), owner_.plan_.threshold);
+            scenes::passageBetween(std::prev(pictures_.end())->second, *next, latestMovement(index),
+                                   owner_.plan_.threshold);
         if (isOneScene(passage, index, from)) return Rest::oneScene;
         // A coder that begins a new group out of turn has seen the new scene begin there.
         if (passage != scenes::Passage::newView || !chain().givesAtOnce() ||
@@ -264,7 +265,8 @@ private:
             std::max_element(group.begin(), group.end(),
                              [](const auto& a, const auto& b) { return a->pts < b->pts; });
         std::optional<scenes::PictureFeatures> seen;
-        chain().glimpse(**last, [&](const AVFrame& frame, std::int64_t) { seen = featuresOf(frame); });
+        chain().glimpse(**last,
+                        [&](const AVFrame& frame, std::int64_t) { seen = featuresOf(frame); });
         return seen && differenceOf(*seen, next) < differenceOf(*seen, newest_->second);
     }
 
@@ -331,8 +333,8 @@ private:
         pace_ += paceWeight * (counted - pace_);
     }
 
-    /// Returns what the key frame of a group shows, valid until another one is asked for; null where
-    /// that cannot be seen. It has been decoded ahead of the chain.
+    /// Returns what the key frame of a group shows, valid until another one is asked for; null
+    /// where that cannot be seen. It has been decoded ahead of the chain.
     const scenes::PictureFeatures* keyView(std::size_t group) {
         if (aheadAt_ != group) look(group);
         return keyFeatures_ ? &*keyFeatures_ : nullptr;

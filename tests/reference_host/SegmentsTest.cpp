@@ -172,6 +172,22 @@ TEST(Segments, AreDecodedInFrontOfOneThatFailedAheadOfItsTurn) {
     }
 }
 
+TEST(Segments, BeginNoSceneWithAKeyFrameOfWhichAPartIsCutOff) {
+    const FootageFiles files;
+    // The last picture of 121 is a key frame by itself, and moves like those before it.
+    const auto whole = files.make("a.ts", input + "mandelbrot" + format +
+                                              " -frames:v 121 -c:v mpeg2video -q:v 3 -g 12 -bf 0 "
+                                              "-sc_threshold 1000000000 -muxdelay 0");
+    const std::string bytes = contentOf(whole);
+    constexpr std::size_t packetBytes = 188;
+    const std::size_t cutBytes = 40 * packetBytes;
+    ASSERT_GT(bytes.size(), cutBytes);
+    const auto file = files.write("b.ts", bytes.substr(0, bytes.size() - cutBytes));
+    ASSERT_EQ(positionsOf(file).size(), positionsOf(whole).size());
+    EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.gap = gap}), 121 * stepTicks),
+              std::vector<std::int64_t>{0});
+}
+
 TEST(Segments, PassOnWhyTheirDecoderFails) {
     const FootageFiles files;
     std::string bytes = contentOf(files.makeVideo("a.avi", 200, "-c:v mjpeg"));
