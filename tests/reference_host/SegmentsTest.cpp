@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <chrono>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -92,6 +93,47 @@ std::filesystem::path makeJoined(const FootageFiles& files) {
 bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
     return a.positionTicks == b.positionTicks && a.sharpness == b.sharpness &&
            a.goesOn == b.goesOn && a.thumbnail.luma == b.thumbnail.luma;
+}
+
+/// Overwrites stretches of the middle of `file`.
+void damage(const std::filesystem::path& file) {
+    std::mt19937 random(1);
+    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
+    for (int i = 0; i < 30; ++i) {
+        std::string noise(200, ' ');
+        std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random()); });
+        FootageFiles::patch(file, static_cast<std::int64_t>(random() % 60 + 20) * size / 100,
+                            noise);
+    }
+}
+
+TEST(Segments, ThatAreDamagedShowTheSameInWhateverMemory) {
+    struct Storage {
+        const char* name;
+        const char* arguments;
+    };
+    const FootageFiles files;
+    for (const Storage& storage :
+         {Storage{"a.webm",
+                  "-c:v libvpx -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
+          Storage{"a.mov", "-c:v prores_ks"}, Storage{"a.avi", "-c:v mjpeg"}}) {
+        const auto file = files.make(
+            storage.name, input + "mandelbrot" + format + " -frames:v 300 " + storage.arguments);
+        damage(file);
+        const auto picturesWith = [&](unsigned threads, std::int64_t shortestKeptTicks) {
+            return picturesOf(*readerForScenes(
+                file, {.gap = gap, .shortestKeptTicks = shortestKeptTicks, .threads = threads}));
+        };
+        const std::vector<PictureFeatures> expected = picturesWith(1, 0);
+        ASSERT_GT(expected.size(), 100U) << storage.name;
+        for (const unsigned threads : {1U, 2U, 3U}) {
+            // Pictures that are kept hold on to memory that others would have got.
+            const auto pictures = picturesWith(threads, KOR::ticksPerSecond / 2);
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end(), pictures.begin(),
+                                   pictures.end(), areTheSame))
+                << storage.name << ' ' << threads;
+        }
+    }
 }
 
 TEST(Segments, ThatLackParametersAreReadFromTheBeginning) {
