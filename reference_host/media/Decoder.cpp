@@ -61,6 +61,18 @@ bool makesUpFramesFirst(AVCodecID codec) {
     return codec == AV_CODEC_ID_H264;
 }
 
+/// Says whether a decoder leaves damaged parts of pictures as their memory was before.
+bool leavesPartsOut(AVCodecID codec) {
+    return codec == AV_CODEC_ID_VP8 || codec == AV_CODEC_ID_PRORES || codec == AV_CODEC_ID_MJPEG;
+}
+
+/// Empties memory that may have had another picture in it.
+void clear(const AVFrame& frame) {
+    for (const AVBufferRef* part : frame.buf) {
+        if (part != nullptr) std::fill_n(part->data, part->size, std::uint8_t{0});
+    }
+}
+
 /// Has get_buffer2 called by the decoder's threads themselves: otherwise older versions of FFmpeg
 /// make them take turns. Newer ones expect it of every such function.
 void allowThreadsToAllocate([[maybe_unused]] AVCodecContext& context) {
@@ -130,6 +142,7 @@ int Decoder::allocate(AVCodecContext* context, AVFrame* frame, int flags) {
         return AVERROR(EAGAIN);
     }
     const int result = avcodec_default_get_buffer2(context, frame, flags);
+    if (result >= 0 && leavesPartsOut(context->codec_id)) clear(*frame);
     if (result < 0 || !decoder.newest_) return result;
     const bool hasNewest = decoder.newest_->buf[0] != nullptr;
     if (hasNewest && !makesUpFramesFirst(context->codec_id)) return result;

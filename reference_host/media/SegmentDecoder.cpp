@@ -177,9 +177,11 @@ private:
     }
 
     /// Says whether a chain may end before a group because its key frame has been decoded already
-    /// to be looked at.
+    /// to be looked at. Not before the last one: where a file is cut off, that may lack a part,
+    /// which only the pictures before it can make up for.
     bool canTakeOver(std::size_t index) const {
-        return aheadAt_ == index && owner_.ahead_->isBegun() && !hasLeadingPictures(index);
+        return aheadAt_ == index && owner_.ahead_->isBegun() && !hasLeadingPictures(index) &&
+               keyOf(index + 1) != nullptr;
     }
 
     /// Decodes a group behind its key frame; from `needed` packets on, the rest is left out if what

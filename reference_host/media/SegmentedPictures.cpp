@@ -45,28 +45,28 @@ SegmentedPictures::~SegmentedPictures() {
 }
 
 void SegmentedPictures::work(Role role) {
-    std::optional<std::int64_t> current;
-    try {
-        decodeSegments(role, current);
-    } catch (...) {
-        const std::scoped_lock lock(mutex_);
-        failures_.emplace(current.value_or(taken_), std::current_exception());
-        changed_.notify_all();
+    std::optional<SegmentDecoder> decoder;
+    while (const std::optional<Segment> segment = takeSegment(role)) {
+        try {
+            decode(*segment, decoder);
+        } catch (...) {
+            // Segments in front of it may be left, which nobody else might be there to decode.
+            decoder.reset();
+            const std::scoped_lock lock(mutex_);
+            failures_.emplace(segment->number, std::current_exception());
+            changed_.notify_all();
+        }
     }
 }
 
-void SegmentedPictures::decodeSegments(Role role, std::optional<std::int64_t>& current) {
-    std::optional<SegmentDecoder> decoder;
-    while (const std::optional<Segment> segment = takeSegment(role)) {
-        current = segment->number;
-        if (!decoder) open(decoder);
-        SegmentView view = decoder->decode(*segment, [&](double part) { handle(*segment, part); });
-        current.reset();
-        const std::scoped_lock lock(mutex_);
-        waiting_ += view.pictures.size();
-        views_.emplace(segment->number, std::move(view));
-        changed_.notify_all();
-    }
+void SegmentedPictures::decode(const Segment& segment, std::optional<SegmentDecoder>& decoder) {
+    if (!decoder) open(decoder);
+    SegmentView view = decoder->decode(segment, [&](double part) { handle(segment, part); });
+    const std::scoped_lock lock(mutex_);
+    const std::size_t pictures = view.pictures.size();
+    views_.emplace(segment.number, std::move(view));
+    waiting_ += pictures;
+    changed_.notify_all();
 }
 
 void SegmentedPictures::open(std::optional<SegmentDecoder>& decoder) {

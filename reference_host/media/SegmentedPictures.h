@@ -55,8 +55,8 @@ private:
     enum class Role { worker, helper };
 
     void work(Role role);
-    /// Leaves in `current` the number of the segment that is being decoded.
-    void decodeSegments(Role role, std::optional<std::int64_t>& current);
+    /// Adds what is seen in `segment`; `decoder` is opened for the first one.
+    void decode(const Segment& segment, std::optional<SegmentDecoder>& decoder);
     /// Returns the next segment once it may be decoded in this role; none when there is none left.
     std::optional<Segment> takeSegment(Role role);
     bool mayTake(Role role) const;

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <chrono>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -93,6 +95,47 @@ bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
            a.goesOn == b.goesOn && a.thumbnail.luma == b.thumbnail.luma;
 }
 
+/// Overwrites stretches of the middle of `file`.
+void damage(const std::filesystem::path& file) {
+    std::mt19937 random(1);
+    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
+    for (int i = 0; i < 30; ++i) {
+        std::string noise(200, ' ');
+        std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random()); });
+        FootageFiles::patch(file, static_cast<std::int64_t>(random() % 60 + 20) * size / 100,
+                            noise);
+    }
+}
+
+TEST(Segments, ThatAreDamagedShowTheSameInWhateverMemory) {
+    struct Storage {
+        const char* name;
+        const char* arguments;
+    };
+    const FootageFiles files;
+    for (const Storage& storage :
+         {Storage{"a.webm",
+                  "-c:v libvpx -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
+          Storage{"a.mov", "-c:v prores_ks"}, Storage{"a.avi", "-c:v mjpeg"}}) {
+        const auto file = files.make(
+            storage.name, input + "mandelbrot" + format + " -frames:v 300 " + storage.arguments);
+        damage(file);
+        const auto picturesWith = [&](unsigned threads, std::int64_t shortestKeptTicks) {
+            return picturesOf(*readerForScenes(
+                file, {.gap = gap, .shortestKeptTicks = shortestKeptTicks, .threads = threads}));
+        };
+        const std::vector<PictureFeatures> expected = picturesWith(1, 0);
+        ASSERT_GT(expected.size(), 100U) << storage.name;
+        for (const unsigned threads : {1U, 2U, 3U}) {
+            // Pictures that are kept hold on to memory that others would have got.
+            const auto pictures = picturesWith(threads, KOR::ticksPerSecond / 2);
+            EXPECT_TRUE(std::equal(expected.begin(), expected.end(), pictures.begin(),
+                                   pictures.end(), areTheSame))
+                << storage.name << ' ' << threads;
+        }
+    }
+}
+
 TEST(Segments, ThatLackParametersAreReadFromTheBeginning) {
     const FootageFiles files;
     const auto file = makeJoined(files);
@@ -139,6 +182,52 @@ TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
         ++count;
     }
     EXPECT_GT(count, 1U);
+}
+
+/// Stores pictures of which each needs more bytes than the one before, in a format that is unknown.
+std::filesystem::path makeGrowingUnknown(const FootageFiles& files) {
+    std::string bytes = contentOf(files.make(
+        "a.avi", input + "nullsrc=size=64x48:rate=25,geq='lum=random(1)*N/4:cb=128:cr=128' "
+                         "-frames:v 400 -c:v mjpeg -q:v 2"));
+    for (std::size_t at = bytes.find("MJPG"); at != std::string::npos; at = bytes.find("MJPG"))
+        bytes.replace(at, 4, "ZZZZ");
+    return files.write("b.avi", bytes);
+}
+
+TEST(Segments, AreDecodedInFrontOfOneThatFailedAheadOfItsTurn) {
+    const FootageFiles files;
+    const auto unknown = makeGrowingUnknown(files);
+    const FootageFacts facts = inspect(files.path("a.avi"));
+    for (const SegmentedPictures::Crew crew :
+         {SegmentedPictures::Crew{1, 0}, SegmentedPictures::Crew{2, 1}}) {
+        std::stop_source stop;
+        const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        SegmentedPictures pictures(std::make_unique<Container>(unknown, std::stop_token{}), facts,
+                                   {}, crew, stop.get_token(), [&](double) {
+                                       if (std::chrono::steady_clock::now() > until)
+                                           stop.request_stop();
+                                   });
+        std::int64_t timestamp = 0;
+        PictureFeatures seen;
+        EXPECT_THROW(pictures.next(timestamp, seen), MediaError) << crew.workers;
+        EXPECT_FALSE(stop.stop_requested()) << "nobody was left to decode the first one";
+    }
+}
+
+TEST(Segments, BeginNoSceneWithAKeyFrameOfWhichAPartIsCutOff) {
+    const FootageFiles files;
+    // The last picture of 121 is a key frame by itself, and moves like those before it.
+    const auto whole = files.make("a.ts", input + "mandelbrot" + format +
+                                              " -frames:v 121 -c:v mpeg2video -q:v 3 -g 12 -bf 0 "
+                                              "-sc_threshold 1000000000 -muxdelay 0");
+    const std::string bytes = contentOf(whole);
+    constexpr std::size_t packetBytes = 188;
+    const std::size_t cutBytes = 40 * packetBytes;
+    ASSERT_GT(bytes.size(), cutBytes);
+    const auto file = files.write("b.ts", bytes.substr(0, bytes.size() - cutBytes));
+    ASSERT_EQ(positionsOf(file).size(), positionsOf(whole).size());
+    EXPECT_EQ(beginsOfScenes(*readerForScenes(file, {.gap = gap}), 121 * stepTicks),
+              std::vector<std::int64_t>{0});
 }
 
 TEST(Segments, PassOnWhyTheirDecoderFails) {
