@@ -29,13 +29,22 @@ SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
       stopped_(stop, [this] { end_.request_stop(); }),
       container_(std::move(container)),
       segments_(*container_) {
-    for (std::size_t i = 0; i < crew.workers; ++i)
-        workers_.emplace_back([this] { work(Role::worker); });
-    for (std::size_t i = 0; i < crew.helpers; ++i)
-        workers_.emplace_back([this] { work(Role::helper); });
+    try {
+        for (std::size_t i = 0; i < crew.workers; ++i)
+            workers_.emplace_back([this] { work(Role::worker); });
+        for (std::size_t i = 0; i < crew.helpers; ++i)
+            workers_.emplace_back([this] { work(Role::helper); });
+    } catch (...) {
+        endWork();  // those that there are would wait for somebody to take what they have seen
+        throw;
+    }
 }
 
 SegmentedPictures::~SegmentedPictures() {
+    endWork();
+}
+
+void SegmentedPictures::endWork() {
     end_.request_stop();
     {
         const std::scoped_lock lock(mutex_);

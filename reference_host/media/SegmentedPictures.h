@@ -64,6 +64,7 @@ private:
     void open(std::optional<SegmentDecoder>& decoder);
     void handle(const Segment& segment, double part);
     bool waitForView();
+    void endWork();
 
     const SegmentDecoder::Plan plan_;
     const std::int64_t workerCount_;
