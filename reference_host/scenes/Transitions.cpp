@@ -40,6 +40,10 @@ constexpr std::size_t dissolveClearance = 3;
 /// How many times the mean change in a dissolve one step at its ends may reach.
 constexpr double largestTimesStep = 2.0;
 
+/// No scene between a dissolve and a cut is shorter: what is found there are two sights of one
+/// transition, of which the cut is known to the picture.
+constexpr std::int64_t shortestSceneTicks = ticksPerSecond / 5;
+
 /// A picture with less contrast is plain.
 constexpr float plainContrast = 2.0F;
 
@@ -192,6 +196,14 @@ bool isStepOf(const Transition& dissolve, const Transition& cut,
     return isBeside && signals[cut.boundary].lastingChange <= largestTimesStep * step;
 }
 
+bool isAtACut(const Transition& dissolve, std::span<const Transition> cuts,
+              std::span<const FrameSignal> signals) {
+    return std::any_of(cuts.begin(), cuts.end(), [&](const Transition& cut) {
+        const auto [first, last] = std::minmax(cut.boundary, dissolve.boundary);
+        return signals[last].positionTicks - signals[first].positionTicks < shortestSceneTicks;
+    });
+}
+
 /// Shortens a dissolve so that it holds none of the cuts, which are outside its middle.
 void endAtCuts(Transition& dissolve, std::span<const Transition> cuts) {
     for (const Transition& cut : cuts) {
@@ -316,6 +328,9 @@ std::vector<Transition> findTransitions(std::span<const FrameSignal> signals, do
         return std::any_of(dissolves.begin(), dissolves.end(), [&](const Transition& dissolve) {
             return isInMiddleOf(dissolve, cut.boundary) || isStepOf(dissolve, cut, signals);
         });
+    });
+    std::erase_if(dissolves, [&](const Transition& dissolve) {
+        return isAtACut(dissolve, transitions, signals);
     });
     for (Transition& dissolve : dissolves)
         endAtCuts(dissolve, transitions);

@@ -255,6 +255,19 @@ TEST(Transitions, LastStepOfADissolveIsNoCut) {
     }
 }
 
+TEST(Transitions, NoSceneOfLessThanAFifthOfASecondIsBetweenADissolveAndACut) {
+    for (const auto& [cut, frames] :
+         {std::pair(std::size_t{104}, Frames({104})),
+          std::pair(std::size_t{105}, Frames({100, 105})), std::pair(std::size_t{96}, Frames({96})),
+          std::pair(std::size_t{95}, Frames({95, 100}))}) {
+        auto signals = quietSignals(200);
+        setBlend(signals, 100, 60, 6);
+        setSteps(signals, 94, 107, 20);
+        setCut(signals, cut, 80);
+        EXPECT_EQ(boundariesOf(findTransitions(signals, 3.0)), frames) << cut;
+    }
+}
+
 TEST(Transitions, DissolveEndsAtACutBesideIt) {
     auto signals = quietSignals(200);
     setBlend(signals, 100, 60, 10);
