@@ -53,6 +53,8 @@ void SegmentedPictures::work(Role role) {
         failures_.emplace(current.value_or(taken_), std::current_exception());
         changed_.notify_all();
     }
+    // What is in front of the segment that failed is still wanted, and others may have failed, too.
+    if (current) work(role);
 }
 
 void SegmentedPictures::decodeSegments(Role role, std::optional<std::int64_t>& current) {
