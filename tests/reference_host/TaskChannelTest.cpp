@@ -274,10 +274,11 @@ TEST(ProgressMeter, TellsOfTheEndHoweverSoonItComesAndOnce) {
     test.now += std::chrono::milliseconds(1);
     test.meter.report(99);
     test.meter.report(100);
+    EXPECT_EQ(test.told, (std::vector<std::int32_t>{99, 100}));
     test.meter.report(100);
     test.now += std::chrono::seconds(1);
     test.meter.report(100);
-    EXPECT_EQ(test.told, (std::vector<std::int32_t>{99, 100}));
+    EXPECT_EQ(test.told, (std::vector<std::int32_t>{99, 100})) << "once";
 }
 
 TEST(ProgressMeter, KeepsWhatComesTooSoonForLater) {
