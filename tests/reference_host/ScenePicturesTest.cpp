@@ -30,10 +30,17 @@ using Plan = PictureReader::Plan;
 constexpr std::int64_t stepTicks = KOR::ticksPerSecond / 25;
 constexpr std::int64_t tenSeconds = 10 * KOR::ticksPerSecond;
 
+/// How far a picture of which the edges of blocks are not smoothed may be from the one where they
+/// are, in steps for each pixel. Up to 2.2 have been met; neighbours in a numbered video differ by
+/// more than 15.
+constexpr float differenceOfEdges = 3;
+
 /// A way to store a video.
 struct Storage {
     const char* name;
     std::string arguments;
+    /// How far its pictures may be from what they are where all are decoded.
+    float difference = 0;
 };
 
 void PrintTo(const Storage& storage, std::ostream* out) {
@@ -47,17 +54,18 @@ const std::string mpeg2 = "-c:v mpeg2video -q:v 2 -g 12 -bf 2";
 
 /// Some that can be divided, and some that cannot or only seem so.
 const std::vector<Storage> storages{
-    {"closed.mp4", x264 + "-x264-params open-gop=0"},
-    {"open.mp4", x264 + "-x264-params open-gop=1:bframes=3:b-pyramid=normal"},
-    {"open.ts", x264 + "-x264-params open-gop=1:bframes=3"},
-    {"without_b.mkv", x264 + "-bf 0"},
+    {"closed.mp4", x264 + "-x264-params open-gop=0", differenceOfEdges},
+    {"open.mp4", x264 + "-x264-params open-gop=1:bframes=3:b-pyramid=normal", differenceOfEdges},
+    {"open.ts", x264 + "-x264-params open-gop=1:bframes=3", differenceOfEdges},
+    {"without_b.mkv", x264 + "-bf 0", differenceOfEdges},
     {"refresh.mkv", x264 + "-x264-params intra-refresh=1:bframes=0"},
     {"fields.mp4", x264 + "-flags +ilme+ildct"},
     {"one_group.mp4", "-c:v libx264 -preset veryfast -g 999 -sc_threshold 0"},
     {"h264.avi", x264},
-    {"hevc_open.mp4", x265 + ":open-gop=1"},
-    {"hevc_closed.mkv", x265 + ":open-gop=0"},
-    {"vp8.webm", "-c:v libvpx -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
+    {"hevc_open.mp4", x265 + ":open-gop=1", differenceOfEdges},
+    {"hevc_closed.mkv", x265 + ":open-gop=0", differenceOfEdges},
+    {"vp8.webm", "-c:v libvpx -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25",
+     differenceOfEdges},
     {"vp9.webm", "-c:v libvpx-vp9 -b:v 1M -cpu-used 8 -auto-alt-ref 1 -lag-in-frames 16 -g 25"},
     {"mpeg2.ts", mpeg2},
     {"mpeg2.mkv", mpeg2},
@@ -80,12 +88,9 @@ bool areTheSame(const PictureFeatures& a, const PictureFeatures& b) {
            a.goesOn == b.goesOn && areEqual(a.thumbnail, b.thumbnail);
 }
 
-/// How far a picture may be from itself where the edges of blocks are smoothed, in steps for each
-/// pixel: pictures of other numbers or scenes are farther.
-constexpr float differenceOfEdges = 6;
-
-/// Expects what is given of a file for its scenes to be what comes of decoding all of it.
-void expectTheVeryPictures(const std::filesystem::path& file) {
+/// Expects what is given of a file for its scenes to be what comes of decoding all of it, up to a
+/// difference.
+void expectTheVeryPictures(const std::filesystem::path& file, float difference) {
     std::map<std::int64_t, Thumbnail> all;
     for (const PictureFeatures& picture : picturesOf(*readerOfAll(file)))
         all[picture.positionTicks] = picture.thumbnail;
@@ -98,8 +103,7 @@ void expectTheVeryPictures(const std::filesystem::path& file) {
     for (const PictureFeatures& picture : pictures) {
         EXPECT_LT(std::exchange(before, picture.positionTicks), picture.positionTicks);
         ASSERT_TRUE(all.contains(picture.positionTicks)) << picture.positionTicks;
-        EXPECT_LE(unmovedDifference(picture.thumbnail, all[picture.positionTicks]),
-                  differenceOfEdges)
+        EXPECT_LE(unmovedDifference(picture.thumbnail, all[picture.positionTicks]), difference)
             << picture.positionTicks << " shows " << numberOf(picture.thumbnail);
     }
 }
@@ -121,8 +125,10 @@ std::filesystem::path makeScenes(const FootageFiles& files, const Storage& stora
 
 TEST_P(ScenePictures, AreTheVeryPicturesOfTheirPositions) {
     const FootageFiles files;
-    expectTheVeryPictures(makeNumbered(files, GetParam().name, 240, GetParam().arguments));
-    expectTheVeryPictures(makeScenes(files, GetParam()));
+    const Storage& storage = GetParam();
+    expectTheVeryPictures(makeNumbered(files, storage.name, 240, storage.arguments),
+                          storage.difference);
+    expectTheVeryPictures(makeScenes(files, storage), storage.difference);
 }
 
 TEST_P(ScenePictures, AreAllWhereNothingMayBeTakenForTheSame) {

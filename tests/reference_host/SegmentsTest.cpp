@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <random>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -155,6 +156,98 @@ TEST(Segments, ThatLackParametersAreReadFromTheBeginning) {
     ASSERT_FALSE(alone.empty());
     EXPECT_TRUE(areTheSame(alone.back(), all.back()));
     EXPECT_LT(alone.size(), all.size());
+}
+
+/// Returns the pictures of a reader that `stop` ends; none where it takes so long that it can only
+/// hang.
+std::vector<PictureFeatures> picturesUnlessItHangs(PictureReader& reader, std::stop_source stop) {
+    constexpr std::chrono::seconds patience{60};
+    std::future<std::vector<PictureFeatures>> pictures =
+        std::async(std::launch::async, [&] { return picturesOf(reader); });
+    const bool isReady = pictures.wait_for(patience) == std::future_status::ready;
+    stop.request_stop();
+    EXPECT_TRUE(isReady) << "it hangs";
+    return isReady ? pictures.get() : std::vector<PictureFeatures>{};
+}
+
+/// Makes ten segments of ninety packets each; those of `noisy` are larger, the first of them the
+/// largest. Those of `lacking` begin in the middle of what is refreshed bit by bit, so that
+/// decoding cannot begin with them.
+std::filesystem::path makeOnesThatLackSomething(const FootageFiles& files,
+                                                const std::vector<int>& lacking,
+                                                const std::vector<int>& noisy) {
+    std::string noise;
+    int strength = 40;
+    for (const int number : noisy) {
+        noise += "noise=all_seed=7:allf=t:alls=" + std::to_string(strength) +
+                 ":enable='eq(floor(n/90)," + std::to_string(number) + ")',";
+        strength -= 8;
+    }
+    std::string bytes;
+    const auto append = [&](int begin, int end, const std::string& refresh) {
+        bytes += contentOf(
+            files.make("part.h264", "-f lavfi -i smptebars=size=160x96:rate=25:duration=36 -vf \"" +
+                                        noise + "trim=start_frame=" + std::to_string(begin) +
+                                        ":end_frame=" + std::to_string(end) +
+                                        "\" -c:v libx264 -preset ultrafast -crf 20 -g 45 -bf 0 "
+                                        "-x264-params scenecut=0:intra-refresh=" +
+                                        refresh));
+    };
+    int begin = 0;
+    for (const int number : lacking) {
+        // The group before it begins with a key frame of the usual kind.
+        append(begin, number * 90 - 45, "0");
+        append(number * 90 - 45, begin = number * 90 + 90, "1");
+    }
+    if (begin < 900) append(begin, 900, "0");
+    const auto raw = files.write("whole.h264", bytes);
+    return files.make("whole.ts", "-r 25 -i '" + raw.string() + "' -c copy");
+}
+
+/// Expects the pictures of `file` to be those that come of one after the other, but for what is
+/// left out in front of the segment `failing`.
+void expectAllPictures(const std::filesystem::path& file, int failing) {
+    const auto all = picturesOf(*readerOfAll(file));
+    std::vector<PictureFeatures> alone;
+    for (const unsigned threads : {1U, 2U, 2U, 4U, 4U, 8U}) {
+        SCOPED_TRACE(threads);
+        std::stop_source stop;
+        const auto reader =
+            readerForScenes(file, {.gap = gap, .threads = threads}, stop.get_token());
+        const auto pictures = picturesUnlessItHangs(*reader, stop);
+        ASSERT_FALSE(pictures.empty());
+        if (alone.empty()) alone = pictures;
+        EXPECT_TRUE(
+            std::equal(alone.begin(), alone.end(), pictures.begin(), pictures.end(), areTheSame));
+    }
+    // Up to the failing one, no segment is lost; from there on, no picture.
+    ASSERT_EQ(all.size(), 900U);
+    std::vector<std::int64_t> positions;
+    for (const PictureFeatures& picture : alone)
+        positions.push_back(picture.positionTicks / stepTicks);
+    for (int segment = 0; segment < 10; ++segment) {
+        const auto count = std::count_if(positions.begin(), positions.end(),
+                                         [&](std::int64_t at) { return at / 90 == segment; });
+        if (segment < failing) {
+            EXPECT_GE(count, 2) << segment;
+            EXPECT_TRUE(std::ranges::count(positions, 90 * segment)) << segment;
+        } else {
+            EXPECT_EQ(count, 90) << segment;
+        }
+    }
+}
+
+TEST(Segments, ThatFailAmongTheLastAreReadFromThereOn) {
+    const FootageFiles files;
+    expectAllPictures(makeOnesThatLackSomething(files, {6}, {8, 3, 6}), 6);
+    expectAllPictures(makeOnesThatLackSomething(files, {6}, {6, 8, 3}), 6);
+    expectAllPictures(makeOnesThatLackSomething(files, {9}, {9, 1}), 9);
+}
+
+TEST(Segments, ThatFailAllOverAreReadFromTheFirstOneOn) {
+    const FootageFiles files;
+    expectAllPictures(makeOnesThatLackSomething(files, {2, 5, 7, 9}, {9, 7, 5, 2}), 2);
+    expectAllPictures(makeOnesThatLackSomething(files, {2, 5, 7, 9}, {2, 5, 7, 9}), 2);
 }
 
 TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {

@@ -268,5 +268,28 @@ TEST(ProgressMeter, TellsAscendingPercentagesOnce) {
     EXPECT_EQ(test.told, (std::vector<std::int32_t>{0, 3, 7}));
 }
 
+TEST(ProgressMeter, TellsOfTheEndHoweverSoonItComesAndOnce) {
+    MeterUnderTest test;
+    test.meter.report(99);
+    test.now += std::chrono::milliseconds(1);
+    test.meter.report(99);
+    test.meter.report(100);
+    EXPECT_EQ(test.told, (std::vector<std::int32_t>{99, 100}));
+    test.meter.report(100);
+    test.now += std::chrono::seconds(1);
+    test.meter.report(100);
+    EXPECT_EQ(test.told, (std::vector<std::int32_t>{99, 100})) << "once";
+}
+
+TEST(ProgressMeter, KeepsWhatComesTooSoonForLater) {
+    MeterUnderTest test;
+    test.meter.report(1);
+    test.now += std::chrono::milliseconds(49);
+    test.meter.report(2);
+    test.now += std::chrono::milliseconds(1);
+    test.meter.report(2);
+    EXPECT_EQ(test.told, (std::vector<std::int32_t>{1, 2}));
+}
+
 }  // namespace
 }  // namespace reference_host_tests

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -214,6 +215,50 @@ TEST(Task, ProgressAscendsFromZeroToHundred) {
     }
     EXPECT_GE(last, 0) << "there is some progress";
     EXPECT_EQ(run.recorder.milestones(), Milestones{2});
+}
+
+/// Expects progress to reach 100 once, right before the end.
+void expectWholeProgress(const TaskRecorder& recorder) {
+    const auto events = recorder.events();
+    ASSERT_GE(events.size(), 2U);
+    EXPECT_EQ(events.back().event, std::uint32_t{KOR::taskEventFinished});
+    const auto& last = events[events.size() - 2];
+    EXPECT_EQ(last.event, std::uint32_t{KOR::taskEventProgress});
+    EXPECT_EQ(last.progress, 100);
+    EXPECT_EQ(std::count_if(events.begin(), events.end(),
+                            [](const auto& event) {
+                                return event.event == KOR::taskEventProgress &&
+                                       event.progress == 100;
+                            }),
+              1);
+}
+
+TEST(Task, ProgressIsWholeAtTheEnd) {
+    const FootageFiles files;
+    const auto file = twoScenes(files);
+    AnalysisRun scenes({1}, file);
+    scenes.finish();
+    expectWholeProgress(scenes.recorder);
+
+    // What is known already takes no time, so that everything comes at once.
+    AnalysisRun keyFrames({9}, file);
+    keyFrames.finish();
+    expectWholeProgress(keyFrames.recorder);
+    TaskRecorder again;
+    const Task known = makeTask({9});
+    known->addCallBack(&again);
+    analysisOf(known).setSource(&sourceOf(keyFrames.material), 0, 0);
+    known->start();
+    again.waitFor(KOR::taskEventFinished);
+    expectWholeProgress(again);
+
+    for (const std::int32_t type : {2, 3, 8}) {
+        SCOPED_TRACE(type);
+        AnalysisRun pictures({type}, file);
+        pictures.lookAt({0, KOR::ticksPerSecond, 2 * KOR::ticksPerSecond});
+        pictures.finish();
+        expectWholeProgress(pictures.recorder);
+    }
 }
 
 TEST(Task, KeyFramesOfKnownScenesNeedNoSecondDecode) {

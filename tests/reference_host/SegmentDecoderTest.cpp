@@ -1,0 +1,184 @@
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "reference_host/media/Container.h"
+#include "reference_host/media/SegmentDecoder.h"
+#include "reference_host/media/SegmentReader.h"
+#include "reference_host/media/inspect.h"
+#include "reference_host/scenes/SceneAnalysis.h"
+#include "tests/reference_host/FootageFiles.h"
+#include "tests/reference_host/PictureReaders.h"
+
+namespace reference_host_tests {
+namespace {
+
+using namespace reference_host::media;
+using reference_host::scenes::PictureFeatures;
+
+constexpr std::int64_t stepTicks = KOR::ticksPerSecond / 25;
+constexpr std::int64_t tenSeconds = 10 * KOR::ticksPerSecond;
+constexpr LongestGap gap{tenSeconds, tenSeconds, 0};
+constexpr LongestGap gapWithBriefGroups{tenSeconds, tenSeconds, 0, KOR::ticksPerSecond * 5 / 4};
+
+const std::string format = "=size=160x96:rate=25";
+
+/// The numbers of pictures and of those that begin scenes.
+struct Look {
+    std::vector<std::int64_t> pictures;
+    std::vector<std::int64_t> begins;
+};
+
+Look lookAt(PictureReader& reader, std::int64_t frames) {
+    reference_host::scenes::SceneAnalysis analysis(3.0);
+    Look look;
+    for (const PictureFeatures& picture : picturesOf(reader)) {
+        analysis.add(picture);
+        look.pictures.push_back(picture.positionTicks / stepTicks);
+    }
+    for (const KOR::TickRange& scene : analysis.finish(frames * stepTicks).scenes)
+        look.begins.push_back(scene.begin / stepTicks);
+    return look;
+}
+
+// A new scene in what only looks quiet.
+
+/// Two sceneries in noise, which hides in the sizes of packets that the second begins at the
+/// picture `cut`. Key frames come every forty pictures, and at the hundredth.
+std::filesystem::path makeHiddenCut(const FootageFiles& files, int cut, const std::string& stored) {
+    const std::string noise = ",noise=alls=60:allf=t:all_seed=7,format=yuv420p,setsar=1";
+    return files.make("a.mkv", "-f lavfi -i rgbtestsrc" + format + " -f lavfi -i smptebars" +
+                                   format +
+                                   " -filter_complex \"[0]trim=end_frame=" + std::to_string(cut) +
+                                   noise + "[a];[1]trim=end_frame=" + std::to_string(200 - cut) +
+                                   noise + "[b];[a][b]concat\" " + stored +
+                                   " -g 40 -sc_threshold 0 -force_key_frames 'expr:eq(n,100)'");
+}
+
+TEST(SegmentDecoder, FindsACutJustBeforeAKeyFrameOutOfTurn) {
+    const FootageFiles files;
+    const auto lookAtGroup = [&](int cut, const std::string& stored) {
+        const Look look =
+            lookAt(*readerForScenes(makeHiddenCut(files, cut, stored), {.gap = gap}), 200);
+        EXPECT_EQ(look.begins, (std::vector<std::int64_t>{0, cut})) << stored;
+        return std::count_if(look.pictures.begin(), look.pictures.end(),
+                             [](std::int64_t at) { return at >= 80 && at < 100; });
+    };
+    const std::string x264 = "-c:v libx264 -preset veryfast -qp 14 -bf 0";
+    for (const int cut : {95, 96, 98, 99})
+        EXPECT_EQ(lookAtGroup(cut, x264), 20) << "all pictures of the group, " << cut;
+    for (const int cut : {94, 95, 96, 97, 98, 99})
+        EXPECT_EQ(lookAtGroup(cut, "-c:v mpeg4 -q:v 2"), 20) << cut;
+    EXPECT_EQ(lookAtGroup(100, x264), 10) << "what it takes to see that nothing moves";
+}
+
+// Pictures whose beginning is missing.
+
+/// Cuts beginnings off a video, so that pictures stored behind its first key frame are shown before
+/// it, and expects what all pictures give.
+void expectPicturesWithoutBeginning(const FootageFiles& files, const std::string& stored) {
+    const auto whole =
+        files.make("whole.ts", "-f lavfi -i testsrc" + format + " -frames:v 300 " + stored);
+    constexpr std::size_t blockBytes = 188;
+    const std::string bytes = contentOf(whole);
+    // Where key frames begin, in blocks.
+    std::vector<std::int64_t> keys;
+    Container container(whole, {});
+    const AvPointer<AVPacket> packet = adopt(av_packet_alloc());
+    while (container.read(*packet)) {
+        if ((packet->flags & AV_PKT_FLAG_KEY) != 0)
+            keys.push_back(packet->pos / static_cast<std::int64_t>(blockBytes));
+    }
+    ASSERT_GT(keys.size(), 5U);
+    std::size_t leading = 0;
+    for (const std::int64_t key : {keys[1], keys[2], keys[3]}) {
+        // At the tables in front of a key frame, and anywhere before and behind.
+        for (const int blocks : {-40, -4, -3, -2, -1, 0, 5}) {
+            const auto from = static_cast<std::size_t>(key + blocks);
+            const auto file = files.write("cut.ts", bytes.substr(from * blockBytes));
+            Container cut(file, {});
+            SegmentReader segments(cut);
+            const auto first = segments.next();
+            ASSERT_TRUE(first);
+            const PacketGroup& group = first->groups.front();
+            if (group.size() > 1 && group[1]->pts < group[0]->pts) ++leading;
+
+            const auto all = positionsOf(file);
+            const auto pictures = picturesOf(*readerForScenes(file, {.gap = gap, .threads = 2}));
+            ASSERT_FALSE(pictures.empty());
+            std::int64_t before = -1;
+            for (const PictureFeatures& picture : pictures) {
+                EXPECT_LT(std::exchange(before, picture.positionTicks), picture.positionTicks);
+                EXPECT_TRUE(std::ranges::count(all, picture.positionTicks))
+                    << blocks << ' ' << picture.positionTicks;
+            }
+            EXPECT_EQ(pictures.front().positionTicks, all.front()) << blocks;
+
+            std::vector<std::int64_t> everything;
+            for (const PictureFeatures& picture :
+                 picturesOf(*readerForScenes(file, {.threshold = 1e-6, .threads = 2})))
+                everything.push_back(picture.positionTicks);
+            EXPECT_EQ(everything, all) << blocks;
+        }
+    }
+    EXPECT_GT(leading, 0U) << "some begin with pictures that need what is missing";
+}
+
+TEST(SegmentDecoder, TakesAVideoThatHasLostItsBeginning) {
+    const FootageFiles files;
+    // Pictures that need what is missing, and some that only come before their key frame.
+    expectPicturesWithoutBeginning(files,
+                                   "-c:v libx264 -preset veryfast -g 25 -x264-params "
+                                   "open-gop=1:bframes=3:b-adapt=0:scenecut=0");
+    expectPicturesWithoutBeginning(files,
+                                   "-c:v libx265 -preset ultrafast -x265-params log-level=none:"
+                                   "keyint=25:min-keyint=25:open-gop=0:radl=2:bframes=3:b-adapt=0");
+}
+
+// Brief groups.
+
+/// A still in groups of twenty-five pictures, with `filter` applied to it.
+std::filesystem::path makeStill(const FootageFiles& files, const std::string& filter) {
+    return files.make("still.mp4",
+                      "-f lavfi -i mandelbrot=size=320x180:rate=25 "
+                      "-f lavfi -i smptebars=size=320x180:rate=25"
+                      " -filter_complex \"[0]trim=end_frame=1,loop=loop=-1:size=1,"
+                      "setpts=N/25/TB,format=yuv420p,setsar=1[still];[1]format=yuv420p,"
+                      "setsar=1[other];" +
+                          filter +
+                          "\" -frames:v 200 -c:v libx264 -preset veryfast -bf 0 -g 25 "
+                          "-sc_threshold 0");
+}
+
+TEST(SegmentDecoder, LeavesOutBriefGroupsOfSmallPackets) {
+    const FootageFiles files;
+    // Three pictures of each group are a little noisier, which is no even course.
+    const auto file = makeStill(
+        files, "[other]nullsink;[still]noise=alls=6:allf=t:enable='between(mod(n,25),9,11)'");
+    const Look brief = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 200);
+    const Look other = lookAt(*readerForScenes(file, {.gap = gap}), 200);
+    EXPECT_EQ(brief.begins, std::vector<std::int64_t>{0});
+    EXPECT_EQ(other.begins, std::vector<std::int64_t>{0});
+    for (const std::int64_t at : brief.pictures) {
+        EXPECT_TRUE(at % 25 == 0 || at > 175) << at << " is no key frame, nor of the last group";
+    }
+    EXPECT_EQ(brief.pictures.size(), 7U + 25U);
+    EXPECT_GT(other.pictures.size(), 2 * brief.pictures.size());
+}
+
+TEST(SegmentDecoder, LooksIntoBriefGroupsThatMayHoldAnotherScene) {
+    const FootageFiles files;
+    const auto file =
+        makeStill(files, "[still][other]overlay=enable='between(n,58,67)':shortest=1");
+    const Look look = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 200);
+    EXPECT_EQ(look.begins, (std::vector<std::int64_t>{0, 58, 68}));
+    EXPECT_LT(look.pictures.size(), 100U) << "but not into the others";
+}
+
+}  // namespace
+}  // namespace reference_host_tests
