@@ -240,7 +240,7 @@ private:
             owner_.plan_.rhythm.isInTurn(keyOf(index)->pts, keyOf(index + 1)->pts)) {
             return Rest::needed;
         }
-        return lastLooksLike(*next, index) ? Rest::deceptive : Rest::upToNewScene;
+        return endLooksLike(*next, index) ? Rest::deceptive : Rest::upToNewScene;
     }
 
     /// Returns how much the last pictures of a group that have been decoded differ.
@@ -253,21 +253,39 @@ private:
         return differenceOf(earlier->second, latest->second);
     }
 
-    /// Says whether a group's last picture shows the view of the next key frame rather than that of
-    /// the newest picture.
+    /// Says whether one of a group's last pictures shows the view of the next key frame rather than
+    /// that of the newest picture.
     ///
-    /// It is decoded on top of the newest one, as if nothing were between them. So it is not what
-    /// it should be; but the coder has either taken it over from pictures like the newest, or
-    /// stored it as something new.
-    bool lastLooksLike(const scenes::PictureFeatures& next, std::size_t index) {
-        const PacketGroup& group = groupAt(index);
-        const auto last =
-            std::max_element(group.begin(), group.end(),
-                             [](const auto& a, const auto& b) { return a->pts < b->pts; });
+    /// Two are decoded on top of the newest one, as if nothing were between them: that of the most
+    /// bytes and the last. So they are not what they should be; but the coder has either taken them
+    /// over from pictures like the newest, or stored something new, in the first picture of a scene
+    /// at the latest.
+    bool endLooksLike(const scenes::PictureFeatures& next, std::size_t index) {
+        std::vector<const AVPacket*> last = lastShown(groupAt(index));
+        std::iter_swap(last.begin(), std::max_element(last.begin(), last.end() - 1, hasFewerBytes));
+        return looksLike(next, *last.front()) || looksLike(next, *last.back());
+    }
+
+    static bool hasFewerBytes(const AVPacket* a, const AVPacket* b) { return a->size < b->size; }
+
+    /// Returns the packets of the pictures of a group that are shown last, in that order.
+    static std::vector<const AVPacket*> lastShown(const PacketGroup& group) {
+        std::vector<const AVPacket*> packets;
+        for (const AvPointer<AVPacket>& packet : group)
+            packets.push_back(packet.get());
+        std::sort(packets.begin(), packets.end(),
+                  [](const AVPacket* a, const AVPacket* b) { return a->pts < b->pts; });
+        packets.erase(packets.begin(), packets.end() - leastLeftOut);
+        return packets;
+    }
+
+    /// Says whether what comes of a packet on top of the newest picture shows another view rather
+    /// than that.
+    bool looksLike(const scenes::PictureFeatures& other, const AVPacket& packet) {
         std::optional<scenes::PictureFeatures> seen;
-        chain().glimpse(**last,
+        chain().glimpse(packet,
                         [&](const AVFrame& frame, std::int64_t) { seen = featuresOf(frame); });
-        return seen && differenceOf(*seen, next) < differenceOf(*seen, newest_->second);
+        return seen && differenceOf(*seen, other) < differenceOf(*seen, newest_->second);
     }
 
     PictureChain& chain() const { return *owner_.chain_; }

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <chrono>
-#include <random>
 #include <future>
+#include <random>
 #include <string>
 #include <vector>
 
