@@ -1,7 +1,6 @@
 #include "reference_host/media/PictureKeeper.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "reference_host/media/frameShape.h"
@@ -22,7 +21,7 @@ std::int64_t TimeGrid::partOf(std::int64_t timestamp) const {
 
 void PictureKeeper::offer(const AVFrame& frame, std::int64_t timestamp, float sharpness) {
     if (grid_.step <= 0) return;
-    const auto [place, isNew] = candidates_.try_emplace(grid_.partOf(timestamp));
+    const auto [place, isNew] = candidates_.try_emplace(placeOf(timestamp));
     Candidate& candidate = place->second;
     const bool isBetter =
         isNew || sharpness > candidate.kept.sharpness ||
@@ -38,8 +37,20 @@ void PictureKeeper::offer(const AVFrame& frame, std::int64_t timestamp, float sh
     if (av_frame_ref(candidate.frame.get(), &frame) < 0) throw std::bad_alloc();
 }
 
+void PictureKeeper::changeView(std::int64_t timestamp) {
+    if (grid_.step <= 0) return;
+    const auto [change, isNew] = changes_.try_emplace(grid_.partOf(timestamp), timestamp);
+    change->second = std::min(change->second, timestamp);
+}
+
+PictureKeeper::Place PictureKeeper::placeOf(std::int64_t timestamp) const {
+    const std::int64_t part = grid_.partOf(timestamp);
+    const auto change = changes_.find(part);
+    return {part, change != changes_.end() && timestamp >= change->second};
+}
+
 void PictureKeeper::storeOldest() {
-    for (auto& [part, candidate] : candidates_) {
+    for (auto& [place, candidate] : candidates_) {
         if (candidate.frame) return store(candidate);
     }
 }
@@ -56,22 +67,29 @@ void PictureKeeper::store(Candidate& candidate) {
 
 std::vector<KeptPicture> PictureKeeper::take() {
     std::vector<KeptPicture> taken;
-    for (auto& [part, candidate] : candidates_) {
+    for (auto& [place, candidate] : candidates_) {
         if (candidate.frame) store(candidate);
         taken.push_back(std::move(candidate.kept));
     }
     candidates_.clear();
+    changes_.clear();
+    // A change may have turned out to be earlier than it seemed at first.
+    std::sort(taken.begin(), taken.end(),
+              [](const KeptPicture& a, const KeptPicture& b) { return a.timestamp < b.timestamp; });
     return taken;
 }
 
-void append(std::vector<KeptPicture>& kept, std::vector<KeptPicture> more, const TimeGrid& grid) {
-    auto rest = more.begin();
-    if (!kept.empty() && rest != more.end() &&
-        grid.partOf(kept.back().timestamp) == grid.partOf(rest->timestamp)) {
-        if (rest->sharpness > kept.back().sharpness) kept.back() = std::move(*rest);
-        ++rest;
+void KeptPictures::append(std::vector<KeptPicture> more) {
+    for (KeptPicture& next : more) {
+        const bool isExtra =
+            !kept_.empty() && grid_.partOf(kept_.back().timestamp) == grid_.partOf(next.timestamp);
+        if (!isExtra || extras_ < grid_.extras) {
+            extras_ += isExtra ? 1 : 0;
+            kept_.push_back(std::move(next));
+        } else if (next.sharpness > kept_.back().sharpness) {
+            kept_.back() = std::move(next);
+        }
     }
-    std::move(rest, more.end(), std::back_inserter(kept));
 }
 
 }  // namespace reference_host::media

@@ -27,8 +27,10 @@ constexpr unsigned mostThreads = 16;
 /// packets of all of them.
 constexpr std::int64_t mostPicturesBetweenKeys = 1200;
 
-/// What the pictures that are kept of one video may take together.
+/// What the pictures that are kept of one video may take together, and the part of it for those
+/// beyond one of each part of the time.
 constexpr std::int64_t keptBytes = std::int64_t{56} << 20;
+constexpr double extraPart = 0.25;
 
 /// Formats whose key frames stand for themselves, and for which decoders know no pictures across
 /// them. Others have key frames in name only, or keep a canvas that is drawn on.
@@ -102,9 +104,12 @@ TimeGrid gridFor(const AVStream& stream, const FootageFacts& facts, std::int64_t
     const double pixels = std::max(1.0, scale * stream.codecpar->width) *
                           std::max(1.0, scale * stream.codecpar->height);
     const double picturesWithRoom = static_cast<double>(keptBytes) / (pixels * 1.5 + 4096);
-    const double ticks = std::max(static_cast<double>(shortestTicks),
-                                  static_cast<double>(facts.durationTicks) / picturesWithRoom);
-    return {facts.originTimestamp, std::max<std::int64_t>(1, inUnitsOf(stream, ticks))};
+    const double extras = picturesWithRoom * extraPart;
+    const double ticks =
+        std::max(static_cast<double>(shortestTicks),
+                 static_cast<double>(facts.durationTicks) / (picturesWithRoom - extras));
+    return {facts.originTimestamp, std::max<std::int64_t>(1, inUnitsOf(stream, ticks)),
+            static_cast<std::size_t>(extras)};
 }
 
 }  // namespace

@@ -343,9 +343,9 @@ private:
 
     void addToChain(const AVFrame& frame, std::int64_t timestamp,
                     const scenes::PictureFeatures& features) {
-        keep(frame, timestamp, features);
         newest_ = pictures_.insert_or_assign(timestamp, features).first;
         if (newest_ != pictures_.begin()) followPace();
+        keep(frame, timestamp, features);
     }
 
     void keep(const AVFrame& frame, std::int64_t timestamp,
@@ -356,7 +356,11 @@ private:
     }
 
     void followPace() {
-        const double change = differenceOf(std::prev(newest_)->second, newest_->second);
+        const scenes::PictureFeatures& before = std::prev(newest_)->second;
+        const double change = differenceOf(before, newest_->second);
+        const double threshold = owner_.plan_.threshold;
+        const double least = scenes::leastCut(before.contrast, newest_->second.contrast, threshold);
+        if (change >= least + threshold * pace_) owner_.keeper_.changeView(newest_->first);
         const double counted = std::min(change, largestTimesPace * pace_ + largestBesidePace);
         pace_ += paceWeight * (counted - pace_);
     }

@@ -28,7 +28,8 @@ SegmentedPictures::SegmentedPictures(std::unique_ptr<Container> container,
       tell_(std::move(tell)),
       stopped_(stop, [this] { end_.request_stop(); }),
       container_(std::move(container)),
-      segments_(*container_) {
+      segments_(*container_),
+      kept_(plan.kept) {
     try {
         for (std::size_t i = 0; i < crew.workers; ++i)
             workers_.emplace_back([this] { work(Role::worker); });
@@ -156,7 +157,7 @@ bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& p
         nextPicture_ = 0;
         damage_.damaged += view_.damaged;
         damage_.all += view_.frames;
-        append(kept_, std::move(view_.kept), plan_.kept);
+        kept_.append(std::move(view_.kept));
     }
     SegmentPicture& next = view_.pictures[nextPicture_++];
     timestamp = next.timestamp;

@@ -49,7 +49,7 @@ public:
     /// Throws NotDivisible and SegmentTooLong.
     bool next(std::int64_t& timestamp, scenes::PictureFeatures& picture) override;
     Damage damage() const override { return damage_; }
-    std::vector<KeptPicture> takeKept() override { return std::move(kept_); }
+    std::vector<KeptPicture> takeKept() override { return kept_.take(); }
 
 private:
     enum class Role { worker, helper };
@@ -96,7 +96,7 @@ private:
     SegmentView view_;
     std::size_t nextPicture_ = 0;
     Damage damage_;
-    std::vector<KeptPicture> kept_;
+    KeptPictures kept_;
     std::vector<std::jthread> workers_;
 };
 

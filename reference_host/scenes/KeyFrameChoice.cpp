@@ -23,11 +23,24 @@ Frames framesWithin(Frames frames, KOR::TickRange range) {
     return {first, last};
 }
 
-/// Takes the margins off both ends; where nothing would be left, one frame stays, which divides the
-/// others in the margins' proportion.
-Frames withoutMargins(Frames frames, const KOR::KeyFrameParameters& parameters) {
+/// Returns how many of `frames` lie in a margin of so many frames before `endTicks`: those that
+/// were left out behind the last of them are in it, too.
+std::size_t countInMargin(Frames frames, std::int64_t endTicks, std::int32_t margin) {
+    const std::int64_t wanted = std::max(0, margin);
+    std::int64_t distance = endTicks - frames.back().positionTicks;
+    for (std::size_t i = 1; i < frames.size(); ++i)
+        distance = std::min(distance, frames[i].positionTicks - frames[i - 1].positionTicks);
+    const std::int64_t missing =
+        (endTicks - frames.back().positionTicks) / std::max<std::int64_t>(1, distance) - 1;
+    return static_cast<std::size_t>(std::clamp<std::int64_t>(wanted - missing, 0, wanted));
+}
+
+/// Takes the margins off both ends of frames that are shown up to `endTicks`; where nothing would
+/// be left, one frame stays, which divides the others in the margins' proportion.
+Frames withoutMargins(Frames frames, std::int64_t endTicks,
+                      const KOR::KeyFrameParameters& parameters) {
     const std::size_t begin = static_cast<std::size_t>(std::max(0, parameters.marginFramesBegin));
-    const std::size_t end = static_cast<std::size_t>(std::max(0, parameters.marginFramesEnd));
+    const std::size_t end = countInMargin(frames, endTicks, parameters.marginFramesEnd);
     if (begin + end < frames.size()) return frames.subspan(begin, frames.size() - begin - end);
     const double share = static_cast<double>(begin) / static_cast<double>(begin + end);
     return frames.subspan(static_cast<std::size_t>(share * static_cast<double>(frames.size() - 1)),
@@ -86,7 +99,7 @@ const FrameRecord* sharpestOf(Frames frames, double begin, double length, std::s
 void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
                 std::vector<std::int64_t>& chosen) {
     const double begin = static_cast<double>(frames.front().positionTicks);
-    const double end = static_cast<double>(frames.back().positionTicks);
+    const double end = static_cast<double>(frames.back().positionTicks + 1);
     const double length = (end - begin) / static_cast<double>(count);
     for (std::size_t i = 0; i < count; ++i) {
         const double first = begin + length * static_cast<double>(i);
@@ -103,14 +116,13 @@ void chooseWithin(const KOR::TickRange& range, const FootageRecord& footage, Fra
                   const KOR::KeyFrameParameters& parameters, std::vector<std::int64_t>& chosen) {
     const Frames all = framesWithin(footage.frames, range);
     if (all.empty()) return;
-    const Frames inner = withoutMargins(all, parameters);
-    const Frames pure =
-        framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
-    const Frames eligible = pure.empty() ? inner : pure;
-
     const std::int64_t begin = std::max<std::int64_t>(0, range.begin);
     const std::int64_t end =
         std::min(range.end, std::max(footage.durationTicks, all.back().positionTicks + 1));
+    const Frames inner = withoutMargins(all, end, parameters);
+    const Frames pure =
+        framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
+    const Frames eligible = pure.empty() ? inner : pure;
     const std::size_t count = std::min(wantedCount(end - begin, parameters), eligible.size());
     const auto candidates = static_cast<std::size_t>(std::max(1, parameters.candidatesPerKeyFrame));
     chooseFrom(eligible, count, std::min(candidates, eligible.size() / count + 1), chosen);

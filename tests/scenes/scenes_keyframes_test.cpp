@@ -99,6 +99,21 @@ TEST(KeyFrames, KeepTheMargins) {
     EXPECT_LT(chosen[0], 50 * step);
 }
 
+TEST(KeyFrames, FramesThatWereLeftOutAreInTheMarginToo) {
+    // The scene lasts from 0 to 100; of its last frames, `missing` have not been looked at.
+    for (const auto& [missing, last] : {std::pair(0, 97), std::pair(1, 97), std::pair(2, 97),
+                                        std::pair(3, 96), std::pair(50, 49)}) {
+        FootageRecord record = footage(200);
+        record.frames.erase(record.frames.begin() + 100 - missing, record.frames.begin() + 100);
+        for (FrameRecord& frame : record.frames)
+            frame.isKept = frame.positionTicks == last * step;
+        KOR::KeyFrameParameters parameters = defaults();
+        parameters.maxPerScene = 1;
+        EXPECT_EQ(chooseKeyFrames(record, {{0, 100 * step}}, parameters), Positions{last * step})
+            << missing;
+    }
+}
+
 TEST(KeyFrames, MarginsTooLargeLeaveOneFrame) {
     for (std::size_t count = 1; count <= 4; ++count) {
         const FootageRecord record = footage(count);
