@@ -18,7 +18,7 @@ namespace {
 
 /// What packFaceModel has written.
 constexpr unsigned char packedModel[] = {
-#include "faceModel.inc"
+#include "reference_host/vision/faceModel.inc"
 };
 
 dlib::frontal_face_detector unpackModel() {
