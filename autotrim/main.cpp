@@ -13,6 +13,7 @@
 
 #include "autotrim/Cache.h"
 #include "autotrim/ExitCode.h"
+#include "autotrim/Heap.h"
 #include "autotrim/InterruptWatch.h"
 #include "autotrim/JsonReport.h"
 #include "autotrim/Options.h"
@@ -142,6 +143,7 @@ int start(const std::vector<std::string>& arguments) {
 
 int main(int argc, char* argv[]) {
     autotrim::reserveStandardStreams();
+    autotrim::useOneHeap();
     int exitCode = autotrim::exitSomeFailed;
     try {
         exitCode = autotrim::start({argv + 1, argv + argc});

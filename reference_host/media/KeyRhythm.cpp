@@ -13,6 +13,10 @@ constexpr std::ptrdiff_t groupsOfOneUsual = 6;
 /// missing.
 constexpr std::int64_t partOfALength = 50;
 
+/// A group that is shorter than the longest one by so small a part ends where a coder has to end it,
+/// but for rounding; where a frame of ten seconds is missing, it has seen a scene begin.
+constexpr std::int64_t partOfTheLongest = 300;
+
 }  // namespace
 
 KeyRhythm::KeyRhythm(const std::vector<std::int64_t>& keys) {
@@ -24,7 +28,7 @@ KeyRhythm::KeyRhythm(const std::vector<std::int64_t>& keys) {
 bool KeyRhythm::isInTurn(std::int64_t key, std::int64_t nextKey) const {
     const std::int64_t length = nextKey - key;
     const std::int64_t slack = length / partOfALength;
-    if (lengths_.empty() || length + slack >= lengths_.back()) return true;
+    if (lengths_.empty() || length + length / partOfTheLongest >= lengths_.back()) return true;
     const auto first = std::lower_bound(lengths_.begin(), lengths_.end(), length - slack);
     const auto last = std::upper_bound(first, lengths_.end(), length + slack);
     // A group that is not even found itself is one between key frames that were left out.

@@ -99,6 +99,11 @@ std::size_t packetsBeforeQuiet(std::span<const PacketFacts> group) {
     return count;
 }
 
+bool beginsEvenly(std::span<const PacketFacts> group) {
+    const auto beginning = group.first(std::min(group.size(), 2 * windowPictures));
+    return beginning.size() > windowPictures && packetsBeforeQuiet(beginning) == 1;
+}
+
 bool bringNoScene(std::span<const PacketFacts> rest, std::int64_t keyBytes) {
     return std::all_of(rest.begin(), rest.end(), [keyBytes](const PacketFacts& packet) {
         return packet.bytes * newDenominator <= keyBytes * newNumerator;

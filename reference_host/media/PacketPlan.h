@@ -23,6 +23,11 @@ struct PacketFacts {
 /// noise, so that what is before and after the rest has to be compared as well.
 std::size_t packetsBeforeQuiet(std::span<const PacketFacts> group);
 
+/// Says whether the first pictures of a group behind its key frame are of an even size: neither
+/// does anything new begin with them, nor does something begin to end. False for a group of which
+/// too few packets are known.
+bool beginsEvenly(std::span<const PacketFacts> group);
+
 /// Says whether every packet of `rest` is so small that none can have brought the scene that a key
 /// frame of `keyBytes` shows.
 bool bringNoScene(std::span<const PacketFacts> rest, std::int64_t keyBytes);

@@ -11,6 +11,7 @@
 #include "reference_host/media/PictureKeeper.h"
 #include "reference_host/media/PictureScaler.h"
 #include "reference_host/media/PictureSource.h"
+#include "reference_host/media/SeenPictures.h"
 #include "reference_host/media/Segment.h"
 #include "reference_host/scenes/PictureFeatures.h"
 
@@ -72,10 +73,9 @@ private:
     const Plan plan_;
     const std::stop_token stop_;
     const AVStream& stream_;
-    /// Whether all pictures are decoded where a dissolve may be under way, so that its middle is
-    /// found to the picture. That takes up to a fifth longer; H.264, the most usual format, is to
-    /// be fast instead.
-    const bool seesBlendsWhole_;
+    /// Seeing dissolves whole, so that their middle is found to the picture, takes up to a fifth
+    /// longer; H.264, the most usual format, is to be fast instead.
+    const SeenPictures::Blends blends_;
     std::unique_ptr<PictureChain> chain_;
     /// Decodes key frames that are looked at before what is in front of them, and takes the place
     /// of `chain_` where decoding goes on from there.

@@ -61,6 +61,11 @@ Passage passageBetween(const PictureFeatures& before, const PictureFeatures& aft
     return standsOut && !isPlain(before) && !isPlain(after) ? Passage::newView : Passage::unclear;
 }
 
+bool mayBeOneView(const PictureFeatures& before, const PictureFeatures& after, double threshold) {
+    const Passage passage = passageBetween(before, after, 0, threshold);
+    return passage == Passage::sameView || passage == Passage::movedView;
+}
+
 bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
               const PictureFeatures& last) {
     const Mixture mixture = mixtureOf(first.thumbnail, middle.thumbnail, last.thumbnail);

@@ -37,6 +37,9 @@ enum class Passage {
 Passage passageBetween(const PictureFeatures& before, const PictureFeatures& after, double pace,
                        double threshold);
 
+/// Says whether two pictures differ by no more than movement in one scene may explain.
+bool mayBeOneView(const PictureFeatures& before, const PictureFeatures& after, double threshold);
+
 /// Says whether pictures between these two, which are next to each other but for a few, need not be
 /// looked at to find a cut. `pace` is as above, for pictures at such a distance.
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,

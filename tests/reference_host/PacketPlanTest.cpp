@@ -11,6 +11,7 @@
 namespace reference_host_tests {
 namespace {
 
+using reference_host::media::beginsEvenly;
 using reference_host::media::bringNoScene;
 using reference_host::media::PacketFacts;
 using reference_host::media::packetsBeforeQuiet;
@@ -139,6 +140,21 @@ TEST(PacketsBeforeQuiet, SizesFollowEachOtherAsTheyAreShown) {
     for (std::size_t i = 1; i < halves.size(); ++i)
         halves[i].timestamp += halves[i].bytes == 400 ? 0 : 1000;
     EXPECT_GT(packetsBeforeQuiet(halves), 10U);
+}
+
+TEST(BeginsEvenly, TwoWindowsCount) {
+    for (const std::size_t changed : {1U, 8U, 15U, 16U, 30U}) {
+        Group group = evenGroup(40, 100);
+        group[changed].bytes = 1000;
+        EXPECT_EQ(beginsEvenly(group), changed >= 2 * window) << changed;
+    }
+    EXPECT_TRUE(beginsEvenly(evenGroup(40, 100)));
+}
+
+TEST(BeginsEvenly, NotWithoutAWholeWindow) {
+    for (std::size_t size = 0; size <= window; ++size)
+        EXPECT_FALSE(beginsEvenly(evenGroup(size, 100))) << size;
+    EXPECT_TRUE(beginsEvenly(evenGroup(window + 1, 100)));
 }
 
 TEST(BringNoScene, SevenTwentiethsOfTheKeyFrameAreTheMost) {

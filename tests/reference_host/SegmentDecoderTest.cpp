@@ -180,5 +180,44 @@ TEST(SegmentDecoder, LooksIntoBriefGroupsThatMayHoldAnotherScene) {
     EXPECT_LT(look.pictures.size(), 100U) << "but not into the others";
 }
 
+// Movement in noise, in which packets are as large as a new scene's.
+
+/// A camera that moves over a still in deep noise, in groups of twenty-five pictures; `then` is
+/// what happens to it, beside another scenery.
+std::filesystem::path makeNoisyPan(const FootageFiles& files, const std::string& then) {
+    return files.make("pan.mp4",
+                      "-f lavfi -i mandelbrot=size=960x480:rate=25 "
+                      "-f lavfi -i smptebars=size=640x360:rate=25 -filter_complex "
+                      "\"[0]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,fps=25,"
+                      "crop=640:360:x=n*1.5:y=60,noise=alls=30:allf=t:all_seed=7,"
+                      "format=yuv420p,setsar=1[pan];"
+                      "[1]trim=end_frame=60,format=yuv420p,setsar=1[other];" +
+                          then +
+                          ",format=yuv420p\" -frames:v 150 "
+                          "-c:v libx264 -preset ultrafast -qp 14 -bf 0 -g 25 -sc_threshold 0");
+}
+
+TEST(SegmentDecoder, LeavesOutBriefMovementInNoise) {
+    const FootageFiles files;
+    const auto file = makeNoisyPan(files, "[other]nullsink;[pan]null");
+    const Look brief = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 150);
+    const Look other = lookAt(*readerForScenes(file, {.gap = gap}), 150);
+    EXPECT_EQ(brief.begins, std::vector<std::int64_t>{0});
+    EXPECT_EQ(other.begins, std::vector<std::int64_t>{0});
+    EXPECT_LT(3 * brief.pictures.size(), 2 * other.pictures.size());
+}
+
+TEST(SegmentDecoder, LooksIntoBriefMovementBeforeADissolve) {
+    const FootageFiles files;
+    // It begins two pictures before a key frame, and lasts twelve.
+    const auto file =
+        makeNoisyPan(files, "[pan]trim=end_frame=100[a];[a][other]xfade=duration=0.48:offset=2.92");
+    const Look brief = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 150);
+    EXPECT_EQ(brief.begins, (std::vector<std::int64_t>{0, 79}));
+    for (std::int64_t at = 50; at < 75; ++at)
+        EXPECT_TRUE(std::ranges::count(brief.pictures, at)) << at;
+    EXPECT_FALSE(std::ranges::count(brief.pictures, 30)) << "movement before it is left out";
+}
+
 }  // namespace
 }  // namespace reference_host_tests

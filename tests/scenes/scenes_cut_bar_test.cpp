@@ -140,6 +140,14 @@ TEST(PassageBetween, SceneriesAreNewAndASlowCameraIsNot) {
     EXPECT_EQ(passageBetween(here, featuresOf(scenery.seenFrom(104, 42)), 0, 3), Passage::sameView);
 }
 
+TEST(MayBeOneView, UpToFourTimesTheLeastCut) {
+    EXPECT_TRUE(mayBeOneView(grey(100), grey(100), 3));
+    EXPECT_TRUE(mayBeOneView(grey(100), grey(110), 3));
+    EXPECT_TRUE(mayBeOneView(grey(100), grey(118), 3));
+    EXPECT_FALSE(mayBeOneView(grey(100), grey(119), 3)) << "a new view";
+    EXPECT_FALSE(mayBeOneView(grey(0, 15.9F), grey(200, 60), 3)) << "unclear";
+}
+
 TEST(NeighboursOfOneScene, StayBelowTheLeastCut) {
     // Four fifths of 9.
     EXPECT_TRUE(areNeighbours(0));
