@@ -18,6 +18,10 @@ constexpr double paceWeight = 0.25;
 constexpr double largestTimesPace = 3;
 constexpr double largestBesidePace = 3;
 
+/// Pictures are seen as part of a dissolve up to so many before and behind what looks like one:
+/// they tell how far it reaches.
+constexpr int stepsToBlend = 2;
+
 /// Where the light is steady, one of two neighbours has up to so many times the other's contrast.
 constexpr float steadyLight = 1.04F;
 
@@ -88,11 +92,16 @@ bool SeenPictures::isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
 
 bool SeenPictures::isInBlend(ByTimestamp::const_iterator before,
                              ByTimestamp::const_iterator after) const {
-    const auto next = std::next(after);
-    return (next != pictures_.end() &&
-            scenes::mayBlend(before->second, after->second, next->second)) ||
-           (before != pictures_.begin() &&
-            scenes::mayBlend(std::prev(before)->second, before->second, after->second));
+    auto first = before;
+    for (int i = 0; i < stepsToBlend && first != pictures_.begin(); ++i)
+        --first;
+    auto end = after;
+    for (int i = 0; i <= stepsToBlend && end != pictures_.end(); ++i)
+        ++end;
+    for (auto middle = std::next(first); std::next(middle) != end; first = middle++) {
+        if (scenes::mayBlend(first->second, middle->second, std::next(middle)->second)) return true;
+    }
+    return false;
 }
 
 }  // namespace reference_host::media

@@ -22,6 +22,8 @@ struct Segment {
     /// frame, and those packets behind it whose pictures are shown before it. Empty at the end of
     /// the video.
     PacketGroup next;
+    /// No picture needs another: the groups are as long as somebody chose.
+    bool standsAlone = false;
 };
 
 /// The key frames of a video are not such that decoding can begin there.

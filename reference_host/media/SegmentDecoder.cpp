@@ -35,6 +35,36 @@ public:
           seen_(owner.plan_.threshold, owner.blends_) {}
 
     SegmentView run() {
+        if (packets_.standAlone()) {
+            decodeSparsely();
+        } else {
+            decodeGroups();
+        }
+        endChain();
+        return view();
+    }
+
+private:
+    bool isStopped() const { return owner_.stop_.stop_requested(); }
+
+    const AVPacket* keyOf(std::size_t group) const { return packets_.keyOf(group); }
+
+    /// Decodes every second picture, and of those between them the ones that have to be seen. Only
+    /// where no picture needs another.
+    void decodeSparsely() {
+        const std::vector<const AVPacket*> packets = packets_.all();
+        // Of a picture between two, the next three on either side are to be known.
+        constexpr std::size_t behind = 5;
+        for (std::size_t even = 0; even < packets.size() + behind && !isStopped(); even += 2) {
+            if (even < packets.size()) send(*packets[even]);
+            if (even < behind || even - behind >= packets.size()) continue;
+            const AVPacket& between = *packets[even - behind];
+            if (!seen_.isBetweenPicturesOfOneScene(between.pts)) send(between);
+            tellUpTo(even - behind + 1);
+        }
+    }
+
+    void decodeGroups() {
         for (std::size_t i = 0; i < packets_.groups() && !isStopped(); ++i) {
             enter(i);
             const std::size_t needed = packets_.needed(i);
@@ -50,14 +80,7 @@ public:
             for (const AvPointer<AVPacket>& packet : packets_.groupAt(packets_.groups()))
                 send(*packet);
         }
-        endChain();
-        return view();
     }
-
-private:
-    bool isStopped() const { return owner_.stop_.stop_requested(); }
-
-    const AVPacket* keyOf(std::size_t group) const { return packets_.keyOf(group); }
 
     /// Says whether a group, of which the key frame has been decoded, surely shows nothing but what
     /// that and the next key frame show.

@@ -11,6 +11,15 @@ SegmentPackets::SegmentPackets(const Segment& segment, const LongestGap& gap)
         count_ += group.size();
 }
 
+std::vector<const AVPacket*> SegmentPackets::all() const {
+    std::vector<const AVPacket*> packets;
+    for (const PacketGroup& group : segment_.groups) {
+        for (const AvPointer<AVPacket>& packet : group)
+            packets.push_back(packet.get());
+    }
+    return packets;
+}
+
 bool SegmentPackets::isLeading(std::size_t group, std::size_t packet) const {
     return groupAt(group)[packet]->pts < groupAt(group).front()->pts;
 }

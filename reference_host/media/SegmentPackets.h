@@ -24,6 +24,12 @@ public:
     /// How many packets the segment has.
     std::size_t count() const { return count_; }
 
+    /// Says whether no picture needs another.
+    bool standAlone() const { return segment_.standsAlone; }
+
+    /// Returns all packets of the segment.
+    std::vector<const AVPacket*> all() const;
+
     bool isFirstOfVideo(std::size_t group) const { return group == 0 && segment_.number == 0; }
 
     const PacketGroup& groupAt(std::size_t group) const {

@@ -73,7 +73,7 @@ SegmentReader::SegmentReader(Container& container)
 std::optional<Segment> SegmentReader::next() {
     if (pending_.empty()) pending_ = readGroup();
     if (pending_.empty()) return std::nullopt;
-    Segment segment{segments_++, {}, {}};
+    Segment segment{segments_++, {}, {}, isIntraOnly_};
     std::size_t packets = 0;
     std::int64_t bytes = 0;
     while (!pending_.empty() && packets < leastPackets && bytes <= mostBytes) {

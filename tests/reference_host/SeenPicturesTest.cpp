@@ -146,5 +146,15 @@ TEST(SeenPictures, AreNeededInBlendsThatAreToBeSeenWhole) {
     }
 }
 
+TEST(SeenPictures, AreNeededBesideABlend) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    addAll(seen, {100, 100, 100, 100, 103, 106, 106, 106, 106});
+    // 30 to 50 look like one.
+    for (const std::int64_t at : {25, 35, 45, 55})
+        EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(at)) << at;
+    for (const std::int64_t at : {5, 15, 65, 75})
+        EXPECT_TRUE(seen.isBetweenPicturesOfOneScene(at)) << at;
+}
+
 }  // namespace
 }  // namespace reference_host_tests

@@ -219,5 +219,45 @@ TEST(SegmentDecoder, LooksIntoBriefMovementBeforeADissolve) {
     EXPECT_FALSE(std::ranges::count(brief.pictures, 30)) << "movement before it is left out";
 }
 
+// Pictures of which none needs another.
+
+TEST(SegmentDecoder, LooksAtEverySecondOfPicturesThatStandAlone) {
+    const FootageFiles files;
+    for (const int cut : {99, 100}) {
+        for (const std::string stored : {"a.mov -c:v prores_ks", "a.avi -c:v mjpeg -q:v 3"}) {
+            const auto file = files.make(
+                stored.substr(0, 5),
+                "-f lavfi -i testsrc2" + format + " -f lavfi -i smptebars" + format +
+                    " -filter_complex \"[0]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,"
+                    "fps=25,trim=end_frame=" +
+                    std::to_string(cut) +
+                    ",format=yuv420p,setsar=1[a];[1]trim=end_frame=" + std::to_string(201 - cut) +
+                    ",format=yuv420p,setsar=1[b];[a][b]concat\" " + stored.substr(6));
+            const Look look = lookAt(*readerForScenes(file, {.gap = gap}), 201);
+            EXPECT_EQ(look.begins, (std::vector<std::int64_t>{0, cut})) << stored;
+            EXPECT_TRUE(std::ranges::is_sorted(look.pictures));
+            EXPECT_TRUE(std::ranges::count(look.pictures, cut)) << stored;
+            EXPECT_LT(look.pictures.size(), 110U) << stored;
+            EXPECT_EQ(look.pictures.front(), 0);
+            EXPECT_EQ(look.pictures.back(), 200);
+        }
+    }
+}
+
+TEST(SegmentDecoder, SeesDissolvesOfPicturesThatStandAloneWhole) {
+    const FootageFiles files;
+    const auto file = files.make(
+        "a.mov", "-f lavfi -i testsrc2" + format + " -f lavfi -i smptebars" + format +
+                     " -filter_complex \"[0]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,"
+                     "fps=25,trim=end_frame=120,format=yuv420p,setsar=1[a];"
+                     "[1]trim=end_frame=100,format=yuv420p,setsar=1[b];"
+                     "[a][b]xfade=duration=0.8:offset=4\" -frames:v 200 -c:v prores_ks");
+    const Look look = lookAt(*readerForScenes(file, {.gap = gap}), 200);
+    EXPECT_EQ(look.begins.size(), 2U);
+    for (std::int64_t at = 100; at < 120; ++at)
+        EXPECT_TRUE(std::ranges::count(look.pictures, at)) << at;
+    EXPECT_LT(look.pictures.size(), 125U);
+}
+
 }  // namespace
 }  // namespace reference_host_tests

@@ -56,6 +56,17 @@ TEST(SegmentPackets, AreThoseOfTheSegmentAndTheNextKeyFrame) {
     EXPECT_FALSE(packets.isFirstOfVideo(1));
 }
 
+TEST(SegmentPackets, AreGivenInOneRow) {
+    Segment segment = twoGroups();
+    segment.standsAlone = true;
+    const SegmentPackets packets(segment, {});
+    EXPECT_TRUE(packets.standAlone());
+    const auto all = packets.all();
+    ASSERT_EQ(all.size(), 80U);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        EXPECT_EQ(all[i]->pts, static_cast<std::int64_t>(10 * i));
+}
+
 TEST(SegmentPackets, HaveNoNextKeyFrameAtTheEndOfTheVideo) {
     Segment segment;
     segment.number = 7;
