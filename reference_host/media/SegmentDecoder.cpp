@@ -62,6 +62,7 @@ private:
             if (!seen_.isBetweenPicturesOfOneScene(between.pts)) send(between);
             tellUpTo(even - behind + 1);
         }
+        tellUpTo(packets.size());
     }
 
     void decodeGroups() {

@@ -250,13 +250,7 @@ TEST(Segments, ThatFailAllOverAreReadFromTheFirstOneOn) {
     expectAllPictures(makeOnesThatLackSomething(files, {2, 5, 7, 9}, {2, 5, 7, 9}), 2);
 }
 
-TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
-    const FootageFiles files;
-    // In noise, packets tell nothing about a plain scene that begins just before a key frame.
-    const auto file =
-        makeCut(files, "a.mp4", 99, "rgbtestsrc" + format + ",noise=alls=20:allf=t", plain,
-                "-c:v libx264 -preset veryfast -crf 12 -bf 0 -g 40 -sc_threshold 0 "
-                "-force_key_frames 'expr:eq(n,100)'");
+void expectToBeToldOfOnce(const std::filesystem::path& file) {
     Container container(file, {});
     const FootageFacts facts = inspect(file);
     SegmentReader segments(container);
@@ -275,6 +269,22 @@ TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
         ++count;
     }
     EXPECT_GT(count, 1U);
+}
+
+TEST(Segments, AreToldOfOnceThoughPartsAreDecodedTwice) {
+    const FootageFiles files;
+    // In noise, packets tell nothing about a plain scene that begins just before a key frame.
+    expectToBeToldOfOnce(
+        makeCut(files, "a.mp4", 99, "rgbtestsrc" + format + ",noise=alls=20:allf=t", plain,
+                "-c:v libx264 -preset veryfast -crf 12 -bf 0 -g 40 -sc_threshold 0 "
+                "-force_key_frames 'expr:eq(n,100)'"));
+}
+
+TEST(Segments, AreToldOfOnceThoughPicturesThatStandAloneAreLeftOut) {
+    const FootageFiles files;
+    for (const char* frames : {"199", "200", "201"})
+        expectToBeToldOfOnce(
+            files.make("a.avi", input + plain + " -frames:v " + frames + " -c:v mjpeg"));
 }
 
 /// Stores pictures of which each needs more bytes than the one before, in a format that is unknown.
