@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "reference_host/scenes/CutBar.h"
-#include "reference_host/scenes/Difference.h"
 
 namespace reference_host::media {
 namespace {
@@ -25,10 +24,6 @@ constexpr int stepsToBlend = 2;
 /// Where the light is steady, one of two neighbours has up to so many times the other's contrast.
 constexpr float steadyLight = 1.04F;
 
-double differenceOf(const scenes::PictureFeatures& before, const scenes::PictureFeatures& after) {
-    return scenes::differenceBetween(before.thumbnail, after.thumbnail).overall;
-}
-
 }  // namespace
 
 bool SeenPictures::add(std::int64_t timestamp, const scenes::PictureFeatures& features) {
@@ -40,7 +35,7 @@ bool SeenPictures::add(std::int64_t timestamp, const scenes::PictureFeatures& fe
 /// Counts the newest picture's change in the pace; says whether it is more than movement.
 bool SeenPictures::followPace() {
     const scenes::PictureFeatures& before = std::prev(newest_)->second;
-    const double change = differenceOf(before, newest_->second);
+    const double change = scenes::differenceOf(before, newest_->second);
     const double least = scenes::leastCut(before.contrast, newest_->second.contrast, threshold_);
     const bool isNewView = change >= least + threshold_ * pace_;
     const double counted = std::min(change, largestTimesPace * pace_ + largestBesidePace);
@@ -63,7 +58,7 @@ double SeenPictures::latestMovement(std::int64_t begin) const {
     auto earlier = latest;
     for (int i = 0; i < picturesOfPace && first != pictures_.end() && earlier != first; ++i)
         --earlier;
-    return differenceOf(earlier->second, latest->second);
+    return scenes::differenceOf(earlier->second, latest->second);
 }
 
 bool SeenPictures::mayBeOneViewSince(std::int64_t begin,

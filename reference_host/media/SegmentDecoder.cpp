@@ -7,7 +7,6 @@
 
 #include "reference_host/media/SegmentPackets.h"
 #include "reference_host/scenes/CutBar.h"
-#include "reference_host/scenes/Difference.h"
 
 namespace reference_host::media {
 namespace {
@@ -18,10 +17,6 @@ constexpr std::size_t picturesBetweenAsking = 4;
 /// So many packets of a group are decoded at least where not all are left out, to see how much the
 /// scene moves.
 constexpr std::size_t leastDecoded = 10;
-
-double differenceOf(const scenes::PictureFeatures& before, const scenes::PictureFeatures& after) {
-    return scenes::differenceBetween(before.thumbnail, after.thumbnail).overall;
-}
 
 }  // namespace
 
@@ -219,7 +214,8 @@ private:
         std::optional<scenes::PictureFeatures> glimpse;
         chain().glimpse(packet,
                         [&](const AVFrame& frame, std::int64_t) { glimpse = featuresOf(frame); });
-        return glimpse && differenceOf(*glimpse, other) < differenceOf(*glimpse, *seen_.newest());
+        return glimpse && scenes::differenceOf(*glimpse, other) <
+                              scenes::differenceOf(*glimpse, *seen_.newest());
     }
 
     PictureChain& chain() const { return *owner_.chain_; }

@@ -51,6 +51,10 @@ bool isPlain(const PictureFeatures& picture) {
     return picture.contrast < plainContrast;
 }
 
+double differenceOf(const PictureFeatures& before, const PictureFeatures& after) {
+    return differenceBetween(before.thumbnail, after.thumbnail).overall;
+}
+
 Passage passageBetween(const PictureFeatures& before, const PictureFeatures& after, double pace,
                        double threshold) {
     const Difference difference = differenceBetween(before.thumbnail, after.thumbnail);
@@ -70,14 +74,13 @@ bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
               const PictureFeatures& last) {
     const Mixture mixture = mixtureOf(first.thumbnail, middle.thumbnail, last.thumbnail);
     return mixture.residual <= largestBlendResidual && mixture.share <= largestShareOfOneStep &&
-           mixture.share >= 1 - largestShareOfOneStep &&
-           differenceBetween(first.thumbnail, last.thumbnail).overall >= leastBlend;
+           mixture.share >= 1 - largestShareOfOneStep && differenceOf(first, last) >= leastBlend;
 }
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
                              double pace, double threshold) {
     const double least = leastCut(before.contrast, after.contrast, threshold);
-    return differenceBetween(before.thumbnail, after.thumbnail).overall <=
+    return differenceOf(before, after) <=
            neighbourPart * (least + threshold * paceOfOneStep * pace);
 }
 

@@ -24,6 +24,9 @@ double leastCut(float contrastBefore, float contrastAfter, double threshold);
 /// Says whether a picture is dark or flat: a fade may lead to it or begin with it.
 bool isPlain(const PictureFeatures& picture);
 
+/// Returns how far two pictures are apart: the overall part of differenceBetween().
+double differenceOf(const PictureFeatures& before, const PictureFeatures& after);
+
 /// What two pictures with others between them tell about these.
 enum class Passage {
     sameView,   ///< both show one scene, nearly unchanged
