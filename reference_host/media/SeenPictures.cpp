@@ -21,6 +21,9 @@ constexpr double largestBesidePace = 3;
 /// they tell how far it reaches.
 constexpr int stepsToBlend = 2;
 
+/// Of less contrast is what is black or nearly so: the next picture may be the first to be seen.
+constexpr float leastLit = 4.0F;
+
 /// Where the light is steady, one of two neighbours has up to so many times the other's contrast.
 constexpr float steadyLight = 1.04F;
 
@@ -28,6 +31,7 @@ constexpr float steadyLight = 1.04F;
 
 bool SeenPictures::add(std::int64_t timestamp, const scenes::PictureFeatures& features) {
     newest_ = pictures_.insert_or_assign(timestamp, features).first;
+    if (blends_ == Blends::whole) followBlend();
     // What has changed while nothing was decoded says nothing of the pace.
     return newest_ != pictures_.begin() && !goesOnAt(timestamp) && followPace();
 }
@@ -41,6 +45,30 @@ bool SeenPictures::followPace() {
     const double counted = std::min(change, largestTimesPace * pace_ + largestBesidePace);
     pace_ += paceWeight * (counted - pace_);
     return isNewView;
+}
+
+/// Counts the newest picture and the two shown before it as part of a dissolve, if they may be: of
+/// the one before where all of it still changes steadily.
+void SeenPictures::followBlend() {
+    if (newest_ == pictures_.begin() || (blend_ && newest_->first <= blend_->end)) return;
+    const auto middle = std::prev(newest_);
+    if (middle == pictures_.begin()) return;
+    const auto first = std::prev(middle);
+    if (!scenes::mayBlend(first->second, middle->second, newest_->second)) return;
+    const bool goesOn = blend_ && middle->first <= blend_->end && mayBlendSince(blend_->begin);
+    blend_ = {goesOn ? blend_->begin : first->first, newest_->first};
+}
+
+/// Says whether all from a picture that has been seen up to the newest one may be one dissolve.
+bool SeenPictures::mayBlendSince(std::int64_t begin) const {
+    const auto first = pictures_.find(begin);
+    const auto middle = pictures_.lower_bound(begin + (newest_->first - begin) / 2);
+    return scenes::mayBlend(first->second, middle->second, newest_->second);
+}
+
+bool SeenPictures::isNearBlend(std::int64_t timestamp) const {
+    return blend_ && timestamp > blend_->begin &&
+           timestamp - blend_->end < (blend_->end - blend_->begin) / 2;
 }
 
 const scenes::PictureFeatures* SeenPictures::at(std::int64_t timestamp) const {
@@ -70,7 +98,7 @@ bool SeenPictures::mayBeOneViewSince(std::int64_t begin,
 }
 
 bool SeenPictures::isLightChanging() const {
-    if (newest_ == pictures_.end() || scenes::isPlain(newest_->second)) return true;
+    if (newest_ == pictures_.end() || newest_->second.contrast < leastLit) return true;
     if (newest_ == pictures_.begin()) return false;
     const float contrast = newest_->second.contrast;
     const float before = std::prev(newest_)->second.contrast;
@@ -82,7 +110,7 @@ bool SeenPictures::isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
     if (after == pictures_.begin() || after == pictures_.end()) return false;
     const auto before = std::prev(after);
     return scenes::areNeighboursOfOneScene(before->second, after->second, pace_, threshold_) &&
-           !(blends_ == Blends::whole && isInBlend(before, after));
+           !(blends_ == Blends::whole && isInBlend(before, after)) && !isNearBlend(timestamp);
 }
 
 bool SeenPictures::isInBlend(ByTimestamp::const_iterator before,

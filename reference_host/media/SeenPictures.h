@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "reference_host/scenes/PictureFeatures.h"
@@ -62,13 +63,20 @@ public:
     /// not smoothed nothing recognisable may be left.
     bool isLightChanging() const;
 
+    /// Says whether a picture that would be shown at `timestamp` belongs to a dissolve that has
+    /// been seen to begin, or comes so closely behind one that it tells where that ends: up to half
+    /// as long as the dissolve takes. Never where blends are sparse.
+    bool isNearBlend(std::int64_t timestamp) const;
+
     /// Says whether a picture that would be shown at `timestamp` need not be seen: those before and
     /// after it show one view.
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const;
 
 private:
-    bool isInBlend(ByTimestamp::const_iterator before, ByTimestamp::const_iterator after) const;
     bool followPace();
+    void followBlend();
+    bool mayBlendSince(std::int64_t begin) const;
+    bool isInBlend(ByTimestamp::const_iterator before, ByTimestamp::const_iterator after) const;
 
     double threshold_;
     Blends blends_;
@@ -77,6 +85,13 @@ private:
     std::set<std::int64_t> goingOn_;
     /// How much pictures usually change from one to the next.
     double pace_ = 0;
+
+    struct Stretch {
+        std::int64_t begin = 0;  ///< when its first picture is shown
+        std::int64_t end = 0;    ///< when its last picture is shown
+    };
+    /// The latest pictures that may be a dissolve.
+    std::optional<Stretch> blend_;
 };
 
 }  // namespace reference_host::media

@@ -18,6 +18,9 @@ constexpr std::size_t picturesBetweenAsking = 4;
 /// scene moves.
 constexpr std::size_t leastDecoded = 10;
 
+/// A group of fewer packets is decoded: to leave it out would save little.
+constexpr std::size_t leastGroup = 4;
+
 }  // namespace
 
 /// The decoding of one segment.
@@ -81,7 +84,9 @@ private:
     /// Says whether a group, of which the key frame has been decoded, surely shows nothing but what
     /// that and the next key frame show.
     bool showsOneViewUpToNext(std::size_t group, std::size_t needed) {
-        if (keyOf(group + 1) == nullptr || packets_.groupAt(group).size() == 1) return false;
+        if (keyOf(group + 1) == nullptr || packets_.groupAt(group).size() < leastGroup)
+            return false;
+        if (seen_.isNearBlend(keyOf(group)->pts)) return false;
         const bool isQuiet = needed == 1;
         if (!isQuiet && !packets_.areBriefAndSmall(group)) return false;
         const scenes::PictureFeatures* key = seen_.at(keyOf(group)->pts);
@@ -184,6 +189,7 @@ private:
     Rest restOf(std::size_t group, std::size_t from) {
         const scenes::PictureFeatures* next = keyView(group + 1);
         if (seen_.newest() == nullptr || next == nullptr) return Rest::needed;
+        if (seen_.isNearBlend(packets_.groupAt(group)[from]->pts)) return Rest::needed;
         const scenes::Passage passage = scenes::passageBetween(
             seen_.last(), *next, seen_.latestMovement(keyOf(group)->pts), owner_.plan_.threshold);
         if (isOneScene(passage, group, from)) return Rest::oneScene;

@@ -21,7 +21,8 @@ namespace {
 class FirstPictures {
 public:
     explicit FirstPictures(const AVStream& stream)
-        : decoder_(stream, Decoder::Threads::one, Decoder::Size::reduced), clock_(stream) {}
+        : decoder_(stream, Decoder::Threads::one, Decoder::Size::reduced, Decoder::Quality::quick),
+          clock_(stream) {}
 
     void add(const AVPacket* packet) {
         if (count_ > 1) return;

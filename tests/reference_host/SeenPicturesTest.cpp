@@ -111,14 +111,15 @@ TEST(SeenPictures, LightChangesWhereContrastDoesByMoreThanAPartIn25) {
     EXPECT_TRUE(isChanging(50, 52.1F));
     EXPECT_FALSE(isChanging(51.9F, 50));
     EXPECT_TRUE(isChanging(52.1F, 50));
-    EXPECT_TRUE(isChanging(15.9F, 15.9F)) << "plain";
+    EXPECT_FALSE(isChanging(4, 4)) << "a dark scene";
+    EXPECT_TRUE(isChanging(3.9F, 3.9F)) << "black";
 }
 
 TEST(SeenPictures, LightMayChangeWhereNothingIsKnown) {
     SeenPictures seen(threshold, SeenPictures::Blends::sparse);
     EXPECT_TRUE(seen.isLightChanging());
     seen.add(0, grey(100));
-    EXPECT_FALSE(seen.isLightChanging()) << "one picture, not plain";
+    EXPECT_FALSE(seen.isLightChanging()) << "one picture, not black";
     seen.endChain();
     EXPECT_TRUE(seen.isLightChanging());
 }
@@ -154,6 +155,38 @@ TEST(SeenPictures, AreNeededBesideABlend) {
         EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(at)) << at;
     for (const std::int64_t at : {5, 15, 65, 75})
         EXPECT_TRUE(seen.isBetweenPicturesOfOneScene(at)) << at;
+}
+
+TEST(SeenPictures, AreNearABlendUpToHalfItsLengthBehindIt) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    EXPECT_FALSE(seen.isNearBlend(0));
+    addAll(seen, {100, 100, 103, 106, 109, 112, 112, 112});
+    // It takes from 10 to 50.
+    EXPECT_FALSE(seen.isNearBlend(10));
+    EXPECT_TRUE(seen.isNearBlend(11));
+    EXPECT_TRUE(seen.isNearBlend(50));
+    EXPECT_TRUE(seen.isNearBlend(69));
+    EXPECT_FALSE(seen.isNearBlend(70));
+    seen.add(600, grey(112));
+    seen.add(590, grey(112));
+    EXPECT_TRUE(seen.isNearBlend(69)) << "what comes later changes nothing";
+    EXPECT_FALSE(seen.isNearBlend(70));
+    EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(65));
+}
+
+TEST(SeenPictures, BeginANewBlendWhereTheOldOneDoesNotGoOnSteadily) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    addAll(seen, {60, 61, 62, 67});
+    EXPECT_TRUE(seen.isNearBlend(1)) << "all of it is one";
+    seen.add(40, grey(92));
+    EXPECT_FALSE(seen.isNearBlend(20)) << "half of the time brings a sixteenth of the change";
+    EXPECT_TRUE(seen.isNearBlend(21));
+}
+
+TEST(SeenPictures, AreNearNoBlendWhereThoseAreSparse) {
+    SeenPictures seen(threshold, SeenPictures::Blends::sparse);
+    addAll(seen, {100, 103, 106, 109});
+    EXPECT_FALSE(seen.isNearBlend(15));
 }
 
 }  // namespace

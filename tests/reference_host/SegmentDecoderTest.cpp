@@ -180,6 +180,19 @@ TEST(SegmentDecoder, LooksIntoBriefGroupsThatMayHoldAnotherScene) {
     EXPECT_LT(look.pictures.size(), 100U) << "but not into the others";
 }
 
+TEST(SegmentDecoder, LooksIntoGroupsOfWhichLittleCouldBeLeftOut) {
+    const FootageFiles files;
+    for (const int size : {3, 4}) {
+        const auto file =
+            files.make("a.mkv", "-f lavfi -i testsrc2" + format +
+                                    " -vf trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB "
+                                    "-frames:v 60 -c:v mpeg4 -q:v 3 -sc_threshold 0 -g " +
+                                    std::to_string(size));
+        const Look look = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 60);
+        EXPECT_EQ(std::ranges::count(look.pictures, 31), size == 3 ? 1 : 0) << size;
+    }
+}
+
 // Movement in noise, in which packets are as large as a new scene's.
 
 /// A camera that moves over a still in deep noise, in groups of twenty-five pictures; `then` is
@@ -257,6 +270,34 @@ TEST(SegmentDecoder, SeesDissolvesOfPicturesThatStandAloneWhole) {
     for (std::int64_t at = 100; at < 120; ++at)
         EXPECT_TRUE(std::ranges::count(look.pictures, at)) << at;
     EXPECT_LT(look.pictures.size(), 125U);
+}
+
+// What is behind a dissolve tells where it ends.
+
+TEST(SegmentDecoder, SeesWhatIsCloselyBehindADissolve) {
+    const FootageFiles files;
+    // From the 100th picture to the 139th one still becomes another.
+    const std::string filter =
+        "-f lavfi -i testsrc2" + format + " -f lavfi -i smptebars" + format +
+        " -filter_complex \"[0]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,"
+        "fps=25,trim=end_frame=140,format=yuv420p,setsar=1[a];"
+        "[1]trim=end_frame=150,format=yuv420p,setsar=1[b];"
+        "[a][b]xfade=duration=1.6:offset=4\" -frames:v 250 -sc_threshold 0 ";
+    // Groups that are left out whole, and such as of which the rest is.
+    for (const std::string stored : {"-g 12", "-g 48"}) {
+        for (const std::string codec : {"mpeg4 -q:v 3 -bf 2", "mpeg2video -q:v 3 -bf 2"}) {
+            const auto file = files.make("a.mkv", filter + "-c:v " + codec + ' ' + stored);
+            const Look look = lookAt(*readerForScenes(file, {.gap = gapWithBriefGroups}), 250);
+            EXPECT_EQ(look.begins.size(), 2U) << codec << stored;
+            for (std::int64_t at = 100; at < 158; ++at)
+                EXPECT_TRUE(std::ranges::count(look.pictures, at)) << codec << stored << ' ' << at;
+            for (std::int64_t at = 172; at < 190; ++at) {
+                EXPECT_EQ(std::ranges::count(look.pictures, at),
+                          at % std::stoi(stored.substr(3)) == 0)
+                    << codec << stored << ' ' << at;
+            }
+        }
+    }
 }
 
 }  // namespace
