@@ -105,8 +105,10 @@ TEST(KeyFrames, FramesThatWereLeftOutAreInTheMarginToo) {
                                         std::pair(3, 96), std::pair(50, 49)}) {
         FootageRecord record = footage(200);
         record.frames.erase(record.frames.begin() + 100 - missing, record.frames.begin() + 100);
-        for (FrameRecord& frame : record.frames)
-            frame.isKept = frame.positionTicks == last * step;
+        for (FrameRecord& frame : record.frames) {
+            frame.isKept = frame.positionTicks >= last * step;
+            if (frame.positionTicks > last * step) frame.sharpness = 90;
+        }
         KOR::KeyFrameParameters parameters = defaults();
         parameters.maxPerScene = 1;
         EXPECT_EQ(chooseKeyFrames(record, {{0, 100 * step}}, parameters), Positions{last * step})
