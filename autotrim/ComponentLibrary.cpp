@@ -8,6 +8,9 @@
 namespace autotrim {
 namespace {
 
+/// The component of the binary contract that this program is built for.
+constexpr const char* libraryName = "libMaterialAnalysis.so.1";
+
 std::string lastLoaderError() {
     const char* const text = dlerror();
     return text == nullptr ? "unknown error" : text;
@@ -19,10 +22,10 @@ std::filesystem::path findComponentLibrary() {
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
     // In a build both directories stand side by side; an installation may name them differently.
     for (const char* const directory : {"../lib", AUTOTRIM_INSTALLED_LIBRARIES}) {
-        const auto file = program.parent_path() / directory / "libMaterialAnalysis.so";
+        const auto file = program.parent_path() / directory / libraryName;
         if (std::filesystem::exists(file)) return file.lexically_normal();
     }
-    throw std::runtime_error("libMaterialAnalysis.so is not in " +
+    throw std::runtime_error(std::string(libraryName) + " is not in " +
                              (program.parent_path() / "../lib").lexically_normal().string());
 }
 

@@ -9,8 +9,8 @@
 
 namespace autotrim {
 
-/// Returns where libMaterialAnalysis.so belongs: beside the directory of the running program, in a
-/// build as in an installation. Throws std::runtime_error when it is not there.
+/// Returns where libMaterialAnalysis.so.1 belongs: beside the directory of the running program, in
+/// a build as in an installation. Throws std::runtime_error when it is not there.
 std::filesystem::path findComponentLibrary();
 
 /// The component's library, loaded as an editor loads it: the host's services, which it needs, are

@@ -18,7 +18,7 @@ std::string failureOf(const std::filesystem::path& file) {
 
 TEST(ComponentLibrary, IsFoundBesideTheProgramsDirectory) {
     const auto file = findComponentLibrary();
-    EXPECT_EQ(file.filename(), "libMaterialAnalysis.so");
+    EXPECT_EQ(file.filename(), "libMaterialAnalysis.so.1");
     EXPECT_EQ(file.parent_path().filename(), "lib");
     EXPECT_TRUE(std::filesystem::exists(file));
 }
