@@ -21,11 +21,10 @@ constexpr double largestBesidePace = 3;
 /// they tell how far it reaches.
 constexpr int stepsToBlend = 2;
 
-/// Of less contrast is what is black or nearly so: the next picture may be the first to be seen.
-constexpr float leastLit = 4.0F;
-
-/// Where the light is steady, one of two neighbours has up to so many times the other's contrast.
-constexpr float steadyLight = 1.04F;
+/// Where the light is steady, a picture has up to so many times the contrast of the one before it,
+/// or that of this one. Small errors grow where light comes up, and shrink where it goes.
+constexpr float steadyRise = 1.04F;
+constexpr float steadyFall = 1.06F;
 
 }  // namespace
 
@@ -48,15 +47,34 @@ bool SeenPictures::followPace() {
 }
 
 /// Counts the newest picture and the two shown before it as part of a dissolve, if they may be: of
-/// the one before where all of it still changes steadily.
+/// the one before where all of it still changes steadily. Not across what was left out.
 void SeenPictures::followBlend() {
     if (newest_ == pictures_.begin() || (blend_ && newest_->first <= blend_->end)) return;
     const auto middle = std::prev(newest_);
-    if (middle == pictures_.begin()) return;
+    if (middle == pictures_.begin() || goesOnAt(middle->first) || goesOnAt(newest_->first)) return;
     const auto first = std::prev(middle);
     if (!scenes::mayBlend(first->second, middle->second, newest_->second)) return;
     const bool goesOn = blend_ && middle->first <= blend_->end && mayBlendSince(blend_->begin);
     blend_ = {goesOn ? blend_->begin : first->first, newest_->first};
+    if (isNewViewAfter(*blend_)) needAround(*blend_);
+}
+
+/// Says whether the first and the last picture of a blend differ by as much as a cut does at least.
+bool SeenPictures::isNewViewAfter(const Stretch& blend) const {
+    const scenes::PictureFeatures& first = pictures_.find(blend.begin)->second;
+    const scenes::PictureFeatures& last = pictures_.find(blend.end)->second;
+    return scenes::differenceOf(first, last) >=
+           scenes::leastCut(first.contrast, last.contrast, threshold_);
+}
+
+/// Counts what belongs to a dissolve as needed, with what tells where that ends.
+void SeenPictures::needAround(const Stretch& blend) {
+    const std::int64_t end = blend.end + (blend.end - blend.begin) / 2;
+    if (needed_ && blend.begin < needed_->end) {
+        needed_->end = std::max(needed_->end, end);
+    } else {
+        needed_ = {blend.begin, end};
+    }
 }
 
 /// Says whether all from a picture that has been seen up to the newest one may be one dissolve.
@@ -67,8 +85,7 @@ bool SeenPictures::mayBlendSince(std::int64_t begin) const {
 }
 
 bool SeenPictures::isNearBlend(std::int64_t timestamp) const {
-    return blend_ && timestamp > blend_->begin &&
-           timestamp - blend_->end < (blend_->end - blend_->begin) / 2;
+    return needed_ && timestamp > needed_->begin && timestamp < needed_->end;
 }
 
 const scenes::PictureFeatures* SeenPictures::at(std::int64_t timestamp) const {
@@ -98,11 +115,11 @@ bool SeenPictures::mayBeOneViewSince(std::int64_t begin,
 }
 
 bool SeenPictures::isLightChanging() const {
-    if (newest_ == pictures_.end() || newest_->second.contrast < leastLit) return true;
+    if (newest_ == pictures_.end() || scenes::isPlain(newest_->second)) return true;
     if (newest_ == pictures_.begin()) return false;
     const float contrast = newest_->second.contrast;
     const float before = std::prev(newest_)->second.contrast;
-    return std::max(contrast, before) > steadyLight * std::min(contrast, before);
+    return contrast > steadyRise * before || before > steadyFall * contrast;
 }
 
 bool SeenPictures::isBetweenPicturesOfOneScene(std::int64_t timestamp) const {

@@ -73,8 +73,15 @@ public:
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const;
 
 private:
+    struct Stretch {
+        std::int64_t begin = 0;
+        std::int64_t end = 0;
+    };
+
     bool followPace();
     void followBlend();
+    bool isNewViewAfter(const Stretch& blend) const;
+    void needAround(const Stretch& blend);
     bool mayBlendSince(std::int64_t begin) const;
     bool isInBlend(ByTimestamp::const_iterator before, ByTimestamp::const_iterator after) const;
 
@@ -86,12 +93,10 @@ private:
     /// How much pictures usually change from one to the next.
     double pace_ = 0;
 
-    struct Stretch {
-        std::int64_t begin = 0;  ///< when its first picture is shown
-        std::int64_t end = 0;    ///< when its last picture is shown
-    };
-    /// The latest pictures that may be a dissolve.
+    /// The latest pictures that may be a dissolve: when the first and the last of them are shown.
     std::optional<Stretch> blend_;
+    /// The latest stretch of time in which all pictures are needed for the sake of dissolves.
+    std::optional<Stretch> needed_;
 };
 
 }  // namespace reference_host::media

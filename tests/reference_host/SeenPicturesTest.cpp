@@ -99,7 +99,7 @@ TEST(SeenPictures, MayBeOneViewIfAllSinceABeginMayBe) {
     EXPECT_FALSE(seen.mayBeOneViewSince(21, grey(119))) << "none has been seen since";
 }
 
-TEST(SeenPictures, LightChangesWhereContrastDoesByMoreThanAPartIn25) {
+TEST(SeenPictures, LightChangesWhereContrastRisesBy4OrFallsBy6Percent) {
     const auto isChanging = [](float before, float after) {
         SeenPictures seen(threshold, SeenPictures::Blends::sparse);
         seen.add(0, grey(100, before));
@@ -109,17 +109,16 @@ TEST(SeenPictures, LightChangesWhereContrastDoesByMoreThanAPartIn25) {
     EXPECT_FALSE(isChanging(50, 50));
     EXPECT_FALSE(isChanging(50, 51.9F));
     EXPECT_TRUE(isChanging(50, 52.1F));
-    EXPECT_FALSE(isChanging(51.9F, 50));
-    EXPECT_TRUE(isChanging(52.1F, 50));
-    EXPECT_FALSE(isChanging(4, 4)) << "a dark scene";
-    EXPECT_TRUE(isChanging(3.9F, 3.9F)) << "black";
+    EXPECT_FALSE(isChanging(52.9F, 50));
+    EXPECT_TRUE(isChanging(53.1F, 50));
+    EXPECT_TRUE(isChanging(15.9F, 15.9F)) << "plain";
 }
 
 TEST(SeenPictures, LightMayChangeWhereNothingIsKnown) {
     SeenPictures seen(threshold, SeenPictures::Blends::sparse);
     EXPECT_TRUE(seen.isLightChanging());
     seen.add(0, grey(100));
-    EXPECT_FALSE(seen.isLightChanging()) << "one picture, not black";
+    EXPECT_FALSE(seen.isLightChanging()) << "one picture, not plain";
     seen.endChain();
     EXPECT_TRUE(seen.isLightChanging());
 }
@@ -174,13 +173,42 @@ TEST(SeenPictures, AreNearABlendUpToHalfItsLengthBehindIt) {
     EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(65));
 }
 
+TEST(SeenPictures, AreNearNoBlendThatChangesLessThanACut) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    addAll(seen, {100, 101, 102, 103, 104});
+    EXPECT_FALSE(seen.isNearBlend(35)) << "8, of 9";
+    seen.add(50, grey(105));
+    EXPECT_TRUE(seen.isNearBlend(35)) << "10";
+}
+
+TEST(SeenPictures, AreNearALongBlendThoughAShortOneFollows) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    // The first one takes from 0 to 100, the second one from 110 to 130.
+    addAll(seen, {100, 103, 106, 109, 112, 115, 118, 121, 124, 127, 130, 130, 133, 136, 136});
+    EXPECT_TRUE(seen.isNearBlend(105));
+    EXPECT_TRUE(seen.isNearBlend(149));
+    EXPECT_FALSE(seen.isNearBlend(150));
+}
+
+TEST(SeenPictures, AreNearNoBlendWhereSomethingWasLeftOut) {
+    SeenPictures seen(threshold, SeenPictures::Blends::whole);
+    seen.add(0, grey(100));
+    for (const int at : {1, 2, 3, 4}) {
+        seen.goOnAt(at * 1000);
+        seen.add(at * 1000, grey(100 + 3 * at));
+    }
+    EXPECT_FALSE(seen.isNearBlend(2500));
+    EXPECT_FALSE(seen.isNearBlend(4500));
+}
+
 TEST(SeenPictures, BeginANewBlendWhereTheOldOneDoesNotGoOnSteadily) {
     SeenPictures seen(threshold, SeenPictures::Blends::whole);
     addAll(seen, {60, 61, 62, 67});
     EXPECT_TRUE(seen.isNearBlend(1)) << "all of it is one";
     seen.add(40, grey(92));
-    EXPECT_FALSE(seen.isNearBlend(20)) << "half of the time brings a sixteenth of the change";
-    EXPECT_TRUE(seen.isNearBlend(21));
+    // Half of the time brings a sixteenth of the change, so the blend takes from 20 to 40.
+    EXPECT_TRUE(seen.isNearBlend(49));
+    EXPECT_FALSE(seen.isNearBlend(50));
 }
 
 TEST(SeenPictures, AreNearNoBlendWhereThoseAreSparse) {
