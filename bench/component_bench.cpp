@@ -4,12 +4,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeHost.h"
+#include "fake_host/FakeMedia.h"
+#include "fake_host/FakeTask.h"
 #include "host/lists.h"
 #include "tests/support/ComponentProbe.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/FakeMedia.h"
-#include "tests/support/FakeTask.h"
 
 namespace fake_host {
 namespace {

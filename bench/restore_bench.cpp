@@ -10,11 +10,11 @@
 #include <benchmark/benchmark.h>
 #include <rapidjson/document.h>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeHost.h"
+#include "fake_host/FakeMedia.h"
 #include "host/lists.h"
 #include "tests/support/ComponentProbe.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/FakeMedia.h"
 
 namespace fake_host {
 namespace {

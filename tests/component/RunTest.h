@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "fake_host/text.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/text.h"
 
 namespace fake_host {
 

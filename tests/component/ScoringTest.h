@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "fake_host/faces.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 

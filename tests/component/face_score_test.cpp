@@ -7,10 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/FakeHost.h"
+#include "fake_host/faces.h"
 #include "host/geometry.h"
 #include "modules/BusinessLayer/MaterialAnalysis/FaceScore.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {

@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/faces.h"
 #include "host/files.h"
 #include "host/geometry.h"
 #include "host/logger.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {

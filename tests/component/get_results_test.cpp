@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/FakeLists.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/FakeLists.h"
 
 namespace fake_host {
 namespace {

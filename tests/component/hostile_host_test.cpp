@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/faces.h"
 #include "tests/component/RunTest.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {

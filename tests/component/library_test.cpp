@@ -9,11 +9,11 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include "fake_host/FakeHost.h"
+#include "fake_host/FakeMedia.h"
+#include "fake_host/FakeTask.h"
+#include "fake_host/RecordingListener.h"
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/FakeMedia.h"
-#include "tests/support/FakeTask.h"
-#include "tests/support/RecordingListener.h"
 
 namespace fake_host {
 namespace {

@@ -10,10 +10,10 @@
 #include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
+#include "fake_host/text.h"
 #include "host/files.h"
 #include "tests/component/PropertyCase.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/text.h"
 
 namespace fake_host {
 namespace {

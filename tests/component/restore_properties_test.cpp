@@ -16,9 +16,9 @@
 #include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
+#include "fake_host/text.h"
 #include "tests/component/PropertyCase.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/text.h"
 
 namespace fake_host {
 namespace {

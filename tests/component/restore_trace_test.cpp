@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/faces.h"
 #include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "fake_host/text.h"
 #include "tests/support/ComponentTest.h"
-#include "tests/support/text.h"
 
 namespace fake_host {
 namespace {

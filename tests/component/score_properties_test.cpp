@@ -8,9 +8,9 @@
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
+#include "fake_host/faces.h"
 #include "modules/BusinessLayer/MaterialAnalysis/FaceScore.h"
 #include "tests/component/PropertyCase.h"
-#include "tests/support/faces.h"
 
 namespace fake_host {
 namespace {

@@ -9,8 +9,8 @@
 
 #include <rapidjson/document.h>
 
+#include "fake_host/FakeHost.h"
 #include "tests/support/ComponentProbe.h"
-#include "tests/support/FakeHost.h"
 
 namespace fuzz {
 namespace {

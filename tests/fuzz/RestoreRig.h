@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeMedia.h"
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeMedia.h"
 
 namespace fuzz {
 

@@ -7,14 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeHost.h"
+#include "fake_host/FakeMedia.h"
+#include "fake_host/FakeTask.h"
+#include "fake_host/RecordingListener.h"
 #include "host/lists.h"
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
 #include "tests/support/ComponentProbe.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/FakeMedia.h"
-#include "tests/support/FakeTask.h"
-#include "tests/support/RecordingListener.h"
 
 namespace fake_host {
 

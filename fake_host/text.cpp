@@ -1,4 +1,4 @@
-#include "tests/support/text.h"
+#include "fake_host/text.h"
 
 #include <array>
 #include <charconv>

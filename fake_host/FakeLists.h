@@ -5,9 +5,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeHost.h"
 #include "host/lists.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeHost.h"
 
 namespace fake_host {
 

@@ -1,13 +1,13 @@
-#include "tests/support/FakeTask.h"
+#include "fake_host/FakeTask.h"
 
 #include <algorithm>
 #include <cstring>
 #include <new>
 #include <utility>
 
-#include "tests/support/FakeHost.h"
-#include "tests/support/FakeLists.h"
-#include "tests/support/text.h"
+#include "fake_host/FakeHost.h"
+#include "fake_host/FakeLists.h"
+#include "fake_host/text.h"
 
 namespace fake_host {
 namespace {

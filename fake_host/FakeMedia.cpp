@@ -1,9 +1,9 @@
-#include "tests/support/FakeMedia.h"
+#include "fake_host/FakeMedia.h"
 
 #include <string_view>
 #include <utility>
 
-#include "tests/support/FakeHost.h"
+#include "fake_host/FakeHost.h"
 
 namespace fake_host {
 

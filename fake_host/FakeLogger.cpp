@@ -2,9 +2,9 @@
 #include <string>
 #include <utility>
 
+#include "fake_host/FakeHost.h"
+#include "fake_host/text.h"
 #include "host/logger.h"
-#include "tests/support/FakeHost.h"
-#include "tests/support/text.h"
 
 namespace fake_host {
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "fake_host/Counted.h"
 #include "host/media.h"
 #include "host/results.h"
 #include "host/tasks.h"
-#include "tests/support/Counted.h"
 
 namespace fake_host {
 

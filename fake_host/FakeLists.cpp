@@ -1,4 +1,4 @@
-#include "tests/support/FakeLists.h"
+#include "fake_host/FakeLists.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <system_error>
 #include <utility>
 
+#include "fake_host/FakeHost.h"
 #include "host/files.h"
-#include "tests/support/FakeHost.h"
 
 namespace KOR {
 

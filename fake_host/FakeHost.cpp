@@ -1,10 +1,10 @@
-#include "tests/support/FakeHost.h"
+#include "fake_host/FakeHost.h"
 
 #include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
-#include "tests/support/FakeTask.h"
+#include "fake_host/FakeTask.h"
 
 namespace fake_host {
 

@@ -1,5 +1,5 @@
+#include "fake_host/FakeHost.h"
 #include "host/geometry.h"
-#include "tests/support/FakeHost.h"
 
 namespace KOR {
 

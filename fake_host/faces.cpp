@@ -1,4 +1,4 @@
-#include "tests/support/faces.h"
+#include "fake_host/faces.h"
 
 #include <algorithm>
 #include <iterator>

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "fake_host/FakeHost.h"
 #include "host/tasks.h"
-#include "tests/support/FakeHost.h"
 
 namespace fake_host {
 

@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
+#include "fake_host/Counted.h"
+#include "fake_host/FakeMedia.h"
 #include "host/tasks.h"
-#include "tests/support/Counted.h"
-#include "tests/support/FakeMedia.h"
 
 namespace fake_host {
 
