@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include "dynamic_library/DynamicLibrary.h"
 #include "fake_host/FakeHost.h"
 #include "fake_host/FakeMedia.h"
 #include "fake_host/FakeTask.h"
@@ -22,30 +22,23 @@ namespace {
 /// link the component, but offers it a host.
 class Library : public ::testing::Test {
 protected:
-    Library() {
-        host().reset();
-        handle_ = dlopen(MATERIAL_ANALYSIS_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    }
-    ~Library() override {
-        if (handle_ != nullptr) dlclose(handle_);
-        host().reset();
-    }
-
-    void SetUp() override { ASSERT_NE(handle_, nullptr) << dlerror(); }
+    Library() { host().reset(); }
+    ~Library() override { host().reset(); }
 
     Owned<KOR::IKorMaterialAnalysis> create() {
         using Factory = KOR::IKorMaterialAnalysis* (*)();
-        const auto factory = reinterpret_cast<Factory>(dlsym(handle_, "createMaterialAnalysis"));
+        const auto factory = reinterpret_cast<Factory>(library_.symbol("createMaterialAnalysis"));
         return Owned<KOR::IKorMaterialAnalysis>(factory == nullptr ? nullptr : factory());
     }
 
     /// The text of an exported key, by its mangled name.
     std::string key(const char* name) {
-        const auto* const text = static_cast<const char* const*>(dlsym(handle_, name));
+        const auto* const text = static_cast<const char* const*>(library_.symbol(name));
         return text == nullptr ? "" : *text;
     }
 
-    void* handle_ = nullptr;
+private:
+    const dynamic_library::DynamicLibrary library_{MATERIAL_ANALYSIS_LIBRARY};
 };
 
 TEST_F(Library, RunsOnWhateverHostTheProgramHas) {

@@ -1,0 +1,5 @@
+extern "C" int answer();
+
+int answer() {
+    return 42;
+}

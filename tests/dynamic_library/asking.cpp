@@ -1,0 +1,8 @@
+extern "C" {
+int answer();
+int asked();
+}
+
+int asked() {
+    return answer() + 1;
+}
