@@ -1,0 +1,36 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "validator/Options.h"
+#include "validator/check/Verdict.h"
+
+namespace validator {
+
+/// A check as it is listed.
+struct ListedCheck {
+    std::string id;
+    std::string claim;
+};
+
+/// The program that holds the checks of one side: each is tried in a process of its own, so that
+/// nothing a candidate does reaches this one. Any thread.
+class Checker {
+public:
+    /// Finds the program beside this one, or where an installation keeps it. Throws
+    /// std::runtime_error, which names it, where it is missing.
+    explicit Checker(Side side);
+
+    /// Returns all checks in their order. Throws std::runtime_error when they cannot be listed.
+    std::vector<ListedCheck> list() const;
+
+    /// Tries one check. Never throws for what a candidate does.
+    Verdict verdictOn(const std::string& id, const Options& options) const;
+
+private:
+    std::filesystem::path program_;
+};
+
+}  // namespace validator

@@ -1,0 +1,97 @@
+#include "validator/check/checker.h"
+
+#include <algorithm>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include "validator/check/expect.h"
+#include "validator/check/limitProcess.h"
+
+namespace validator {
+namespace {
+
+void list(const std::vector<RunnableCheck>& checks) {
+    for (const RunnableCheck& check : checks)
+        std::cout << check.id << '\t' << check.claim << '\n';
+}
+
+Verdict passedWithWarnings() {
+    Verdict verdict;
+    verdict.warnings = warnings();
+    if (!verdict.warnings.empty()) verdict.outcome = Outcome::warn;
+    return verdict;
+}
+
+Verdict failed(Failure failure) {
+    Verdict verdict = passedWithWarnings();
+    verdict.outcome = Outcome::fail;
+    verdict.what = std::move(failure.what);
+    verdict.expected = std::move(failure.expected);
+    verdict.found = std::move(failure.found);
+    return verdict;
+}
+
+int run(const RunnableCheck& check, const Occasion& occasion) {
+    limitProcess(occasion.scratch);
+    const Verdict verdict = tried(check, occasion);
+    std::ofstream file(occasion.scratch / verdictFile, std::ios::binary);
+    file << toJson(verdict);
+    return file.flush() ? 0 : 2;
+}
+
+}  // namespace
+
+Verdict tried(const RunnableCheck& check, const Occasion& occasion) {
+    try {
+        check.run(occasion);
+        return passedWithWarnings();
+    } catch (const Failure& failure) {
+        return failed(failure);
+    } catch (const Skip& skipped) {
+        Verdict verdict = passedWithWarnings();
+        verdict.outcome = Outcome::skip;
+        verdict.reason = skipped.reason;
+        return verdict;
+    } catch (const std::exception& error) {
+        return failed({"the check", "no exception", error.what()});
+    }
+}
+
+int checkerMain(int argumentCount, char** arguments, const std::vector<RunnableCheck>& checks) {
+    CLI::App app("Tries single checks; material-analysis-validator runs this program.");
+    bool lists = false;
+    std::string id;
+    std::string scratch;
+    Occasion occasion;
+    app.add_flag("--list", lists, "Print the id and the claim of each check");
+    app.add_option("--run", id, "The check to try");
+    app.add_option("--library", occasion.library, "The candidate");
+    app.add_option("--scratch", scratch, "An empty directory; the verdict is written there");
+    app.add_option("--seed", occasion.seed, "What decides everything chosen at random");
+    app.add_option("--video", occasion.video, "A video that the candidate can read");
+    app.add_option("--photo", occasion.photo, "A photo that the candidate can read");
+    try {
+        app.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    if (lists) {
+        list(checks);
+        return 0;
+    }
+    const auto check = std::find_if(checks.begin(), checks.end(),
+                                    [&](const RunnableCheck& each) { return each.id == id; });
+    if (check == checks.end() || scratch.empty()) {
+        std::cerr << "no such check, or no directory for its verdict\n";
+        return 2;
+    }
+    occasion.scratch = scratch;
+    return run(*check, occasion);
+}
+
+}  // namespace validator

@@ -1,0 +1,17 @@
+#include <cstdlib>
+
+#include <sys/resource.h>
+
+#include "validator/check/limitProcess.h"
+
+namespace validator {
+
+void limitProcess(const std::filesystem::path& scratch) {
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    const rlimit fileSize{64 << 20, 64 << 20};
+    setrlimit(RLIMIT_FSIZE, &fileSize);
+    setenv("TMPDIR", scratch.c_str(), 1);
+}
+
+}  // namespace validator

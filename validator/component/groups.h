@@ -1,0 +1,14 @@
+#pragma once
+
+#include <vector>
+
+#include "validator/component/Stage.h"
+
+/// The claims about components, one source for each group; the group is what stands before the dot
+/// of an id.
+namespace validator {
+
+extern const std::vector<RunnableCheck> libraryChecks;
+extern const std::vector<ComponentCheck> identityChecks;
+
+}  // namespace validator

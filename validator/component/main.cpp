@@ -1,0 +1,10 @@
+#include "validator/check/checker.h"
+#include "validator/component/groups.h"
+
+int main(int argumentCount, char** arguments) {
+    using namespace validator;
+    std::vector<RunnableCheck> checks = libraryChecks;
+    for (const auto* const group : {&identityChecks})
+        append(checks, *group);
+    return checkerMain(argumentCount, arguments, checks);
+}
