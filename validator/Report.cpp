@@ -156,7 +156,8 @@ std::string listJson(const std::vector<ListedCheck>& checks) {
 }
 
 bool hasFaults(const std::vector<Judged>& judged) {
-    return countOf(Outcome::fail, judged) + countOf(Outcome::crash, judged) > 0;
+    return std::any_of(judged.begin(), judged.end(),
+                       [](const Judged& each) { return isFault(each.verdict); });
 }
 
 }  // namespace validator

@@ -51,6 +51,10 @@ std::string_view nameOf(Outcome outcome) {
     return "";
 }
 
+bool isFault(const Verdict& verdict) {
+    return verdict.outcome == Outcome::fail || verdict.outcome == Outcome::crash;
+}
+
 std::string toJson(const Verdict& verdict) {
     rapidjson::StringBuffer text;
     Writer writer(text);

@@ -28,6 +28,9 @@ struct Verdict {
     std::vector<std::string> warnings;  ///< in the order in which they were made
 };
 
+/// Says whether the candidate failed or crashed.
+bool isFault(const Verdict& verdict);
+
 /// Returns the verdict as one JSON object.
 std::string toJson(const Verdict& verdict);
 

@@ -1,0 +1,76 @@
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "validator/Checker.h"
+
+namespace validator {
+namespace {
+
+/// A library of ours with one fault, and the checks that have to find it.
+struct Mutant {
+    std::string name;
+    std::string library;
+    std::vector<std::string> caughtBy;
+};
+
+std::ostream& operator<<(std::ostream& out, const Mutant& mutant) {
+    return out << mutant.name;
+}
+
+const std::vector<Mutant> componentMutants = {
+#include "mutants.inc"
+};
+
+std::string identifier(const ::testing::TestParamInfo<Mutant>& info) {
+    std::string name = info.param.name;
+    for (char& letter : name) {
+        if (letter == '-') letter = '_';
+    }
+    return name;
+}
+
+/// Names each check that ought to find a fault in the library and does not.
+std::vector<std::string> checksThatMiss(const Mutant& mutant, Side side) {
+    const Checker checker(side);
+    Options options;
+    options.side = side;
+    options.library = mutant.library;
+    std::vector<std::string> blind;
+    for (const std::string& id : mutant.caughtBy) {
+        const Verdict verdict = checker.verdictOn(id, options);
+        if (!isFault(verdict)) blind.push_back(id + ": " + std::string(nameOf(verdict.outcome)));
+    }
+    return blind;
+}
+
+/// The checks that no mutant fails.
+std::vector<std::string> neverFailing(const std::vector<Mutant>& mutants, Side side) {
+    std::set<std::string> failing;
+    for (const Mutant& mutant : mutants)
+        failing.insert(mutant.caughtBy.begin(), mutant.caughtBy.end());
+    std::vector<std::string> missing;
+    for (const ListedCheck& check : Checker(side).list()) {
+        if (failing.count(check.id) == 0) missing.push_back(check.id);
+    }
+    return missing;
+}
+
+class ComponentMutant : public ::testing::TestWithParam<Mutant> {};
+
+TEST_P(ComponentMutant, IsCaughtByTheChecksItNames) {
+    EXPECT_EQ(checksThatMiss(GetParam(), Side::component), std::vector<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(Mutants, ComponentMutant, ::testing::ValuesIn(componentMutants),
+                         identifier);
+
+TEST(ComponentChecks, AreEachFailedByAMutant) {
+    EXPECT_EQ(neverFailing(componentMutants, Side::component), std::vector<std::string>());
+}
+
+}  // namespace
+}  // namespace validator

@@ -1,0 +1,45 @@
+# Mutants: libraries of ours with one deliberate fault each, which checks of the validator have to
+# find. A mutant is a source with one place replaced, and everything else as it is.
+
+# Writes `source` (a path below the project) with one place replaced to `result`. The place has to be
+# there exactly once: what a mutant changes may not move away from under it unnoticed.
+function(write_mutated_source name source place replacement result)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${source})
+  file(READ ${PROJECT_SOURCE_DIR}/${source} text)
+  string(FIND "${text}" "${place}" first)
+  string(FIND "${text}" "${place}" last REVERSE)
+  if(first EQUAL -1 OR NOT first EQUAL last)
+    message(FATAL_ERROR "mutant ${name}: not exactly once in ${source}:\n${place}")
+  endif()
+  string(REPLACE "${place}" "${replacement}" text "${text}")
+  file(CONFIGURE OUTPUT ${result} CONTENT "${text}" @ONLY)
+endfunction()
+
+# Adds to `table`, a variable of the caller, the line that the test of the mutants reads.
+macro(note_mutant table name ids)
+  list(JOIN ${ids} "\", \"" quoted)
+  set(${table} "${${table}}    {\"${name}\", \"$<TARGET_FILE:mutant-${name}>\", {\"${quoted}\"}},\n"
+    PARENT_SCOPE)
+endmacro()
+
+# add_component_mutant(NAME
+#   SOURCE    a source of the component, by its name
+#   REPLACE   a place in it, as [[...]]
+#   BY        what stands there instead, as [[...]]
+#   CAUGHT_BY the ids of checks that have to fail)
+function(add_component_mutant name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY")
+  set(mutated ${CMAKE_CURRENT_BINARY_DIR}/${name}/${arg_SOURCE})
+  write_mutated_source(${name} modules/BusinessLayer/MaterialAnalysis/${arg_SOURCE}
+    "${arg_REPLACE}" "${arg_BY}" ${mutated})
+  add_library(mutant-${name} MODULE ${mutated}
+    $<FILTER:$<TARGET_OBJECTS:material_analysis_objects>,EXCLUDE,/${arg_SOURCE}>)
+  target_link_libraries(mutant-${name} PRIVATE host)
+  target_include_directories(mutant-${name} SYSTEM PRIVATE ${RapidJSON_INCLUDE_DIRS})
+  target_compile_options(mutant-${name} PRIVATE -ffp-contract=off)
+  target_link_options(mutant-${name} PRIVATE
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/modules/BusinessLayer/MaterialAnalysis/exports.map)
+  set_target_properties(mutant-${name} PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  note_mutant(component_mutants ${name} arg_CAUGHT_BY)
+endfunction()
