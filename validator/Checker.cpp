@@ -1,9 +1,10 @@
 #include "validator/Checker.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "validator/ScratchDirectory.h"
 #include "validator/Subprocess.h"
@@ -43,17 +44,19 @@ Verdict crashed(const Ending& ending, const std::filesystem::path& output) {
 
 }  // namespace
 
-Checker::Checker(Side side) {
+std::filesystem::path programOf(Side side) {
     const std::filesystem::path own = ownProgram();
     std::filesystem::path name = side == Side::component ? "material-analysis-component-checks"
                                                          : "material-analysis-host-checks";
     name.replace_extension(own.extension());
     for (const char* const directory : {".", VALIDATOR_INSTALLED_CHECKS}) {
-        program_ = own.parent_path() / directory / name;
-        if (std::filesystem::exists(program_)) return;
+        const std::filesystem::path program = own.parent_path() / directory / name;
+        if (std::filesystem::exists(program)) return program;
     }
     throw std::runtime_error(name.string() + " is not in " + own.parent_path().string());
 }
+
+Checker::Checker(std::filesystem::path program) : program_(std::move(program)) {}
 
 std::vector<ListedCheck> Checker::list() const {
     const ScratchDirectory scratch;

@@ -15,13 +15,15 @@ struct ListedCheck {
     std::string claim;
 };
 
-/// The program that holds the checks of one side: each is tried in a process of its own, so that
-/// nothing a candidate does reaches this one. Any thread.
+/// Returns the program that holds the checks of one side: it is beside this one, or where an
+/// installation keeps it. Throws std::runtime_error, which names it, where it is missing.
+std::filesystem::path programOf(Side side);
+
+/// A program that holds checks (validator/check/checker.h). Each check is tried in a process of its
+/// own, so that nothing a candidate does reaches this one. Any thread.
 class Checker {
 public:
-    /// Finds the program beside this one, or where an installation keeps it. Throws
-    /// std::runtime_error, which names it, where it is missing.
-    explicit Checker(Side side);
+    explicit Checker(std::filesystem::path program);
 
     /// Returns all checks in their order. Throws std::runtime_error when they cannot be listed.
     std::vector<ListedCheck> list() const;

@@ -22,11 +22,11 @@ void addOptions(CLI::App& command, Options& options, double& seconds) {
         .add_option("--only", options.only,
                     "Try this check, or this group of checks (what stands before the dot of an "
                     "id), only; may be repeated")
-        ->take_all()
-        ->expected(1);
+        ->allow_extra_args(false);
     command.add_flag("--json", options.json, "Print a JSON object instead of text");
     command.add_flag("--verbose", options.verbose, "Name the checks that pass, too");
     command.add_option("--seed", options.seed, "Decides what checks choose at random")
+        ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
     command.add_option("--timeout", seconds, "Seconds that each check may take")
         ->check(CLI::Range(0.01, 3600.0))

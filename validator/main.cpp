@@ -21,7 +21,7 @@ void print(const std::string& text) {
 }
 
 int carryOut(const Options& options) {
-    const Checker checker(options.side);
+    const Checker checker(programOf(options.side));
     const auto checks = chosen(checker.list(), options.only);
     if (options.lists) {
         print(options.json ? listJson(checks) : listText(checks));

@@ -59,6 +59,8 @@ Verdict tried(const RunnableCheck& check, const Occasion& occasion) {
         return verdict;
     } catch (const std::exception& error) {
         return failed({"the check", "no exception", error.what()});
+    } catch (...) {
+        return failed({"the check", "no exception", "one of another kind"});
     }
 }
 

@@ -35,7 +35,7 @@ std::string identifier(const ::testing::TestParamInfo<Mutant>& info) {
 
 /// Names each check that ought to find a fault in the library and does not.
 std::vector<std::string> checksThatMiss(const Mutant& mutant, Side side) {
-    const Checker checker(side);
+    const Checker checker(programOf(side));
     Options options;
     options.side = side;
     options.library = mutant.library;
@@ -53,7 +53,7 @@ std::vector<std::string> neverFailing(const std::vector<Mutant>& mutants, Side s
     for (const Mutant& mutant : mutants)
         failing.insert(mutant.caughtBy.begin(), mutant.caughtBy.end());
     std::vector<std::string> missing;
-    for (const ListedCheck& check : Checker(side).list()) {
+    for (const ListedCheck& check : Checker(programOf(side)).list()) {
         if (failing.count(check.id) == 0) missing.push_back(check.id);
     }
     return missing;
