@@ -1,5 +1,5 @@
-# What an installation holds: autotrim with the libraries it runs on, and a CMake package for those
-# who write a host or load the component.
+# What an installation holds: autotrim with the libraries it runs on, the validator, and a CMake
+# package for those who write a host or load the component.
 include(CMakePackageConfigHelpers)
 
 set(package_headers ${CMAKE_INSTALL_INCLUDEDIR}/MaterialAnalysis)
@@ -11,6 +11,12 @@ if(MATERIAL_ANALYSIS_REFERENCE_HOST)
   set_target_properties(reference_host PROPERTIES INSTALL_RPATH "$ORIGIN")
   install(TARGETS autotrim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES reference_host/ReferenceHost.h DESTINATION ${package_headers}/reference_host)
+endif()
+
+if(MATERIAL_ANALYSIS_VALIDATOR)
+  install(TARGETS material-analysis-validator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS material-analysis-component-checks
+    RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/MaterialAnalysis)
 endif()
 
 install(TARGETS ${installed_targets} EXPORT MaterialAnalysisTargets
