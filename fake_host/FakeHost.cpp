@@ -1,10 +1,10 @@
 #include "fake_host/FakeHost.h"
 
-#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
 #include "fake_host/FakeTask.h"
+#include "fake_host/paths.h"
 
 namespace fake_host {
 
@@ -122,11 +122,7 @@ void FakeHost::finishAllTasks() const {
 
 std::filesystem::path FakeHost::directory() {
     const std::lock_guard lock(mutex_);
-    if (directory_.empty()) {
-        std::string name = std::filesystem::temp_directory_path() / "fake-host-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        directory_ = name;
-    }
+    if (directory_.empty()) directory_ = makeTemporaryDirectory();
     return directory_;
 }
 

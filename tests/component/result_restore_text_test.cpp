@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "fake_host/text.h"
 #include "tests/component/RestoreTest.h"
 
 namespace fake_host {
