@@ -1,6 +1,7 @@
 #include "fake_host/FakeHost.h"
 
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "fake_host/FakeTask.h"
@@ -29,6 +30,11 @@ bool Faults::nextMakingFails(Product product) {
 
 bool Faults::appendsFail(Product list) const {
     return products_.at(static_cast<std::size_t>(list)).appendsFail;
+}
+
+FakeHost::~FakeHost() {
+    std::error_code error;
+    if (!directory_.empty()) std::filesystem::remove_all(directory_, error);
 }
 
 void FakeHost::reset() {

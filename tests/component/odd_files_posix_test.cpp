@@ -10,10 +10,22 @@
 namespace fake_host {
 namespace {
 
-/// What stands at the result file's path and is none, on systems that have links, pipes, devices
-/// and files that may not be read.
+/// What is different about files on these systems: there are links, pipes, devices, and files that
+/// may not be read, names are any bytes, and a text ends with its file.
 using ResultRestore = RestoreTest;
 using OddResultFile = RestoreTest;
+
+TEST_F(ResultRestore, OfATextWithAnEndMarkIsInvalid) {
+    expectDeleted(ResultText{}.text() + "\x1a", "cache result invalidate");
+}
+
+TEST_F(ResultRestore, FindsTheFileUnderANameThatIsNoUtf8) {
+    material.spec.mediaCache += "/\xff";
+    ASSERT_TRUE(save({}));
+    EXPECT_TRUE(
+        std::filesystem::is_regular_file(material.spec.mediaCache + "/analysis/result.json"));
+    EXPECT_TRUE(restore());
+}
 
 TEST_F(ResultRestore, OfAPipeDoesNotWaitForIt) {
     ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
