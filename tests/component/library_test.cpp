@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -75,6 +76,18 @@ TEST_F(Library, RunsOnWhateverHostTheProgramHas) {
     EXPECT_EQ(host().live.tasks, 0);
     EXPECT_EQ(host().live.lists, 0);
     EXPECT_EQ(host().complaints(), std::vector<std::string>());
+}
+
+TEST_F(Library, HandsOnWhatAServiceThrows) {
+    auto analysis = create();
+    const Owned<FakeMedia> clip(new FakeMedia(video("clip.mp4", 1000000000)));
+    clip->onTypeQuery = [] { throw std::bad_alloc(); };
+    {
+        const Owned<KOR::IKORVoidPtrList> materials(createKORVoidPtrList());
+        materials->append(asElement(*clip));
+        EXPECT_EQ(analysis->insertMaterials(materials.get(), 0), KOR::statusOk);
+    }
+    EXPECT_THROW(analysis->start(), std::bad_alloc);
 }
 
 TEST_F(Library, KeysCanBeReadByTheirNames) {
