@@ -6,8 +6,7 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)  # of GoogleTest's project
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# Nothing of the building machine is for Windows; FindRapidJSON and FindGTest beside this file know
-# what is for any system.
+# Nothing of the building machine is for Windows; the modules in mingw/ know what is for any system.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
