@@ -38,6 +38,7 @@ set(standard "[a-z_0-9]+$")
 check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/"
   EXCEPT ${component}/JsonDocument ${component}/ResultCacheText.cpp)
+check_room(examples/minimal-host "${standard}|host/|[A-Za-z]+.h$")
 check_room(fake_host "${standard}|host/|fake_host/")
 check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
   EXCEPT reference_host/media reference_host/services/Log reference_host/vision
