@@ -113,6 +113,28 @@ TEST(MinimalMaterial, RefusesWhatItCannotUse) {
     EXPECT_EQ(HOST(createValidationMaterial)("a", nullptr), nullptr);
 }
 
+TEST(MinimalMaterial, AnyByteOfAHeaderMayBeWrong) {
+    const PlainFiles files;
+    const std::string video = contentOf(files.makeVideo("a.y4m", 4, plain));
+    const std::string photo = contentOf(files.makePhoto("a.pgm", plain));
+    int usable = 0;
+    for (const std::string& good : {video, photo}) {
+        for (std::size_t place = 0; place < good.find('\n', 12) + 8; ++place) {
+            for (const char byte : {'\0', ' ', '\n', '0', '9', '-', ':', '\xff'}) {
+                std::string bytes = good;
+                bytes[place] = byte;
+                const auto file = files.write("b", bytes);
+                if (import(file) == nullptr) continue;
+                ++usable;
+                TaskRun run({1, 8, 9}, file);
+                run.finish();
+                EXPECT_EQ(run.recorder.events().back().event, 2U);
+            }
+        }
+    }
+    EXPECT_GT(usable, 50) << "most of what is wrong is refused, but not all";
+}
+
 TEST(MinimalMaterial, RefusesMorePicturesThanAreMeant) {
     const PlainFiles files;
     const std::string header = "YUV4MPEG2 W1 H1 F25:1 Cmono\n";
