@@ -14,6 +14,7 @@ namespace {
 
 using Ticks = std::vector<std::int64_t>;
 constexpr std::int64_t second = KOR::ticksPerSecond;
+constexpr std::int64_t frame = second / 25;
 
 /// A video of so many plain pictures.
 std::filesystem::path plainVideo(const PlainFiles& files, int pictures) {
@@ -84,9 +85,9 @@ TEST(MinimalTask, KeyFramesFollowTheirParameters) {
     EXPECT_EQ(choose({6, 4, 0, 1, 0, 0}, {}), (Ticks{16400000, 49600000, 83200000}))
         << "one for each four seconds started, in the middle of its part";
     EXPECT_EQ(choose({2, 4, 0, 1, 0, 0}, {}).size(), 2U);
-    EXPECT_EQ(choose({6, 4, 0, 1, 10, 0}, {{0, 12 * 400000}}), Ticks{11 * 400000});
-    EXPECT_EQ(choose({6, 4, 0, 1, 0, 11}, {{0, 12 * 400000}}), Ticks{0});
-    EXPECT_EQ(choose({6, 4, 0, 1, 9, 9}, {{0, 12 * 400000}}), Ticks{6 * 400000})
+    EXPECT_EQ(choose({6, 4, 0, 1, 10, 0}, {{0, 12 * frame}}), Ticks{11 * frame});
+    EXPECT_EQ(choose({6, 4, 0, 1, 0, 11}, {{0, 12 * frame}}), Ticks{0});
+    EXPECT_EQ(choose({6, 4, 0, 1, 9, 9}, {{0, 12 * frame}}), Ticks{6 * frame})
         << "margins that leave nothing leave the middle";
     EXPECT_EQ(choose({9, 1, 0, 1, 0, 0}, {{400001, 400002}, {5, 1}, {-9, 1}, {99 * second, 999}}),
               Ticks{0});
