@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -161,6 +162,35 @@ TEST(MinimalTask, FailureTaintsTheSourceFromItsEventOn) {
     KOR::KorValue value{};
     EXPECT_EQ(sourceOf(run.material).getMediaInfo("media_cache", &value), KOR::statusOk);
     EXPECT_STREQ(value.asText, "");
+}
+
+TEST(MinimalTask, FailsWhereTheFileHasBecomeAnother) {
+    const PlainFiles files;
+    const auto file = plainVideo(files, 50);
+    const auto touch = [&] {
+        std::filesystem::last_write_time(
+            file, std::filesystem::last_write_time(file) + std::chrono::seconds(1));
+    };
+    TaskRun before({1}, file);
+    touch();
+    before.finish();
+    EXPECT_EQ(before.recorder.events().front().reason, "the file has changed");
+    TaskRun during({1}, file);
+    during.recorder.inside = [&](const TaskRecorder::Event& event) {
+        if (event.event == KOR::taskEventProgress && event.progress == 0) touch();
+    };
+    during.finish();
+    EXPECT_EQ(during.recorder.milestones(), (Milestones{3, 2}));
+    EXPECT_TRUE(resultsOf<KOR::TickRange>(during.task, 1).empty());
+}
+
+TEST(MinimalTask, FlashBeginsNoScene) {
+    const PlainFiles files;
+    TaskRun run({1}, files.makeVideo("flash.y4m", 100, [](int picture, int, int) {
+        return picture == 50 ? 200 : 90;
+    }));
+    run.finish();
+    EXPECT_EQ(resultsOf<KOR::TickRange>(run.task, 1).size(), 1U);
 }
 
 TEST(MinimalTask, ResultsAreCompleteInsideTheLastEvent) {
