@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(package_headers ${CMAKE_INSTALL_INCLUDEDIR}/MaterialAnalysis)
 set(package_config ${CMAKE_INSTALL_LIBDIR}/cmake/MaterialAnalysis)
 
-set(installed_targets host MaterialAnalysis)
+set(installed_targets host host_kit MaterialAnalysis)
 if(MATERIAL_ANALYSIS_REFERENCE_HOST)
   list(APPEND installed_targets reference_host)
   set_target_properties(reference_host PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -20,8 +20,8 @@ if(MATERIAL_ANALYSIS_VALIDATOR)
 endif()
 
 install(TARGETS ${installed_targets} EXPORT MaterialAnalysisTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY host DESTINATION ${package_headers} FILES_MATCHING PATTERN "*.h")
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY host host_kit DESTINATION ${package_headers} FILES_MATCHING PATTERN "*.h")
 install(FILES modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h
   DESTINATION ${package_headers}/modules/BusinessLayer/MaterialAnalysis)
 

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "reference_host/tasks/FootageAnalysis.h"
+
 namespace reference_host {
 namespace {
 
@@ -10,6 +12,10 @@ namespace {
 constexpr std::uint32_t sourceTypeSeekable = 0;
 
 }  // namespace
+
+std::shared_ptr<host_kit::Analysable> FootageSource::analysable() {
+    return std::make_shared<FootageAnalysis>(footage_);
+}
 
 KOR::Status FootageSource::getMediaInfo(const char* key, KOR::KorValue* value) {
     if (key == nullptr || value == nullptr) return KOR::statusFailed;

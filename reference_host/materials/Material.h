@@ -3,20 +3,20 @@
 #include <memory>
 #include <string>
 
-#include "host/media.h"
+#include "host_kit/Counted.h"
+#include "host_kit/Source.h"
 #include "reference_host/materials/Footage.h"
-#include "reference_host/services/Counted.h"
 
 namespace reference_host {
 
 /// The source of a material that comes from a media file.
-class FootageSource final : public KOR::IDmMediaSource {
+class FootageSource final : public host_kit::Source {
 public:
     explicit FootageSource(std::shared_ptr<Footage> footage) : footage_(std::move(footage)) {}
-    virtual ~FootageSource() = default;
 
     const std::shared_ptr<Footage>& footage() const { return footage_; }
 
+    std::shared_ptr<host_kit::Analysable> analysable() override;
     KOR::Status getMediaInfo(const char* key, KOR::KorValue* value) override;
     const char* getMediaInfoText(const char* key) override;
 
@@ -25,7 +25,7 @@ private:
 };
 
 /// A media file as a material.
-class Material final : public Counted<KOR::IDmBaseMedia>, public KOR::IDmSourceMedia {
+class Material final : public host_kit::Counted<KOR::IDmBaseMedia>, public KOR::IDmSourceMedia {
 public:
     explicit Material(std::shared_ptr<Footage> footage);
 

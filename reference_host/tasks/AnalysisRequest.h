@@ -1,30 +1,15 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <vector>
 
-#include "host/tasks.h"
+#include "host_kit/AnalysisRequest.h"
 #include "reference_host/materials/Footage.h"
 
 namespace reference_host {
 
-/// What a run has to do. A value: nothing in it belongs to the task that asked for it.
-struct AnalysisRequest {
-    /// Null when the task was given no source that it can read.
+/// What a run has to do, and with which file.
+struct AnalysisRequest : host_kit::AnalysisRequest {
     std::shared_ptr<Footage> footage;
-    bool wantsScenes = false;
-    bool wantsKeyFrames = false;
-    bool wantsFaces = false;
-    bool wantsEntropy = false;
-    bool wantsBlur = false;
-    KOR::SceneParameters sceneParameters;
-    KOR::KeyFrameParameters keyFrameParameters;
-    /// Where keyframes are to be looked for, if the scenes are not looked for, too; none means the
-    /// whole footage.
-    std::vector<KOR::TickRange> sceneRanges;
-    /// Which pictures of a video are to be looked at by themselves, in any order.
-    std::vector<std::int64_t> positionsTicks;
 };
 
 }  // namespace reference_host

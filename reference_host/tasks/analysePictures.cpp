@@ -45,7 +45,7 @@ std::vector<std::size_t> inFootageOrder(const std::vector<std::int64_t>& positio
 
 /// Makes room for what is wanted of each picture: as if nothing could be seen in any of them.
 void makeRoom(const AnalysisRequest& request, const std::vector<std::int64_t>& positions,
-              AnalysisResults& results) {
+              host_kit::AnalysisResults& results) {
     for (const std::int64_t position : positions) {
         if (request.wantsFaces) {
             KOR::FaceDetectFrame& frame = results.faces.emplace_back();
@@ -59,7 +59,7 @@ void makeRoom(const AnalysisRequest& request, const std::vector<std::int64_t>& p
 /// Fills in what can be seen in the `index`th picture, wherever there is room for it. `detector` is
 /// null where no faces are wanted.
 void take(const vision::Picture& picture, std::size_t index, vision::FaceDetector* detector,
-          AnalysisResults& results) {
+          host_kit::AnalysisResults& results) {
     if (detector != nullptr) {
         const std::vector<KOR::KorRect> faces = detector->detect(picture);
         KOR::FaceDetectFrame& frame = results.faces[index];
@@ -85,7 +85,7 @@ std::size_t partsFor(std::size_t pictures, const media::FootageFacts& facts,
 class PictureRun {
 public:
     PictureRun(const AnalysisRequest& request, std::vector<std::int64_t> positions,
-               AnalysisResults& results)
+               host_kit::AnalysisResults& results)
         : request_(request),
           positions_(std::move(positions)),
           order_(inFootageOrder(positions_)),
@@ -93,7 +93,7 @@ public:
         makeRoom(request_, positions_, results_);
     }
 
-    void finish(const std::stop_token& stop, ProgressMeter& progress) {
+    void finish(const std::stop_token& stop, host_kit::ProgressMeter& progress) {
         const std::stop_callback passOn(stop, [this] { end_.request_stop(); });
         auto first = openReader();
         const std::size_t parts = partsFor(order_.size(), request_.footage->facts(), *first);
@@ -152,7 +152,7 @@ private:
     const std::vector<std::int64_t> positions_;
     /// Indexes of positions_.
     const std::vector<std::size_t> order_;
-    AnalysisResults& results_;
+    host_kit::AnalysisResults& results_;
     /// Asked to stop with the run, and where a part fails.
     std::stop_source end_;
     /// One for each part.
@@ -162,7 +162,7 @@ private:
 }  // namespace
 
 void analysePictures(const AnalysisRequest& request, const std::stop_token& stop,
-                     ProgressMeter& progress, AnalysisResults& results) {
+                     host_kit::ProgressMeter& progress, host_kit::AnalysisResults& results) {
     std::vector<std::int64_t> positions = positionsOf(request);
     if (positions.empty()) return;
     PictureRun(request, std::move(positions), results).finish(stop, progress);

@@ -70,7 +70,7 @@ void keepPictures(const std::shared_ptr<Footage>& footage,
 
 /// Null when it was stopped.
 Record decode(const AnalysisRequest& request, double threshold, const std::stop_token& stop,
-              ProgressMeter& progress) {
+              host_kit::ProgressMeter& progress) {
     Footage& footage = *request.footage;
     const PictureShelf::Use use;
     media::PictureReader reader(
@@ -94,7 +94,7 @@ Record decode(const AnalysisRequest& request, double threshold, const std::stop_
 /// Scenes depend on the parameters, so they always take a decode of their own; keyframes in known
 /// scenes need one only where none has been made yet.
 Record recordFor(const AnalysisRequest& request, const std::stop_token& stop,
-                 ProgressMeter& progress) {
+                 host_kit::ProgressMeter& progress) {
     Footage& footage = *request.footage;
     Record record = request.wantsScenes ? nullptr : footage.record();
     if (record) return record;
@@ -114,7 +114,7 @@ std::vector<KOR::TickRange> rangesFor(const AnalysisRequest& request,
 }  // namespace
 
 void analyseScenes(const AnalysisRequest& request, const std::stop_token& stop,
-                   ProgressMeter& progress, AnalysisResults& results) {
+                   host_kit::ProgressMeter& progress, host_kit::AnalysisResults& results) {
     const Record record = recordFor(request, stop, progress);
     if (!record) return;
     if (request.wantsScenes) results.scenes = record->scenes;

@@ -7,16 +7,16 @@
 #include <gtest/gtest.h>
 
 #include "host/lists.h"
-#include "reference_host/tasks/ProgressMeter.h"
-#include "reference_host/tasks/TaskChannel.h"
+#include "host_kit/ProgressMeter.h"
+#include "host_kit/TaskChannel.h"
 #include "tests/reference_host/Holder.h"
 #include "tests/reference_host/TaskRecorder.h"
 
 namespace reference_host_tests {
 namespace {
 
-using reference_host::AnalysisResults;
-using reference_host::TaskChannel;
+using host_kit::AnalysisResults;
+using host_kit::TaskChannel;
 
 /// A channel whose runs the test itself is: what a run says is said on the test's thread.
 class TaskChannelTest : public testing::Test {
@@ -243,16 +243,16 @@ TEST_F(TaskChannelTest, AddedListenerHearsFromTheNextEvent) {
 
 /// A clock that stands where the test puts it, and what was told.
 struct MeterUnderTest {
-    reference_host::ProgressMeter::Clock::time_point now{};
+    host_kit::ProgressMeter::Clock::time_point now{};
     std::vector<std::int32_t> told;
-    reference_host::ProgressMeter meter{[this](std::int32_t percent) { told.push_back(percent); },
+    host_kit::ProgressMeter meter{[this](std::int32_t percent) { told.push_back(percent); },
                                         [this] { return now; }};
 };
 
 TEST(ProgressMeter, TellsTwentyTimesASecond) {
     MeterUnderTest test;
     for (int ms = 0; ms < 1000; ms += 10) {
-        test.now = reference_host::ProgressMeter::Clock::time_point(std::chrono::milliseconds(ms));
+        test.now = host_kit::ProgressMeter::Clock::time_point(std::chrono::milliseconds(ms));
         test.meter.report(ms / 10);
     }
     EXPECT_EQ(test.told.size(), 20U);

@@ -39,15 +39,16 @@ check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/"
   EXCEPT ${component}/JsonDocument ${component}/ResultCacheText.cpp)
 check_room(dynamic_library "${standard}|dynamic_library/|dlfcn.h$|windows.h$")
-check_room(examples/minimal-host "${standard}|host/|[A-Za-z]+.h$")
+check_room(examples/minimal-host "${standard}|host/|host_kit/|[A-Za-z]+.h$")
 check_room(fake_host "${standard}|host/|fake_host/")
+check_room(host_kit "${standard}|host/|host_kit/")
 check_room(validator/check "${standard}|host/|validator/check/|CLI/|rapidjson/|sys/|windows.h$")
 check_room(validator/component
   "${standard}|host/|fake_host/|dynamic_library/|validator/check/|validator/component/|${component}/IKorMaterialAnalysis.h")
 check_room(validator
   "${standard}|validator/|CLI/|rapidjson/|[a-z]+.h$|sys/"
   EXCEPT validator/check validator/component validator/host)
-check_room(reference_host "${standard}|host/|reference_host/|fcntl.h$|sys/|unistd.h$"
+check_room(reference_host "${standard}|host/|host_kit/|reference_host/|fcntl.h$|sys/|unistd.h$"
   EXCEPT reference_host/media reference_host/services/Log reference_host/vision
   reference_host/cache/KeptFacts.cpp reference_host/cache/contentKey.cpp)
 set(cache "${standard}|host/|reference_host/cache/|reference_host/media/|reference_host/ReferenceHost.h")

@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "host/tasks.h"
-#include "reference_host/tasks/AnalysisTask.h"
+#include "host_kit/AnalysisTask.h"
 
 namespace {
 
@@ -29,5 +29,5 @@ KOR::IKorBaseTask* createMediaAnalysisTask(KOR::IKORIntList* types) {
         if (!isKnown(type)) return nullptr;
         known.push_back(type);
     }
-    return new reference_host::AnalysisTask(std::move(known));
+    return new host_kit::AnalysisTask(std::move(known));
 }

@@ -10,7 +10,7 @@
 #include "host/lists.h"
 #include "host/logger.h"
 
-namespace minimal_host {
+namespace plain_host {
 namespace {
 
 template <typename Element, bool ownsElements = false>
@@ -40,19 +40,19 @@ private:
 };
 
 }  // namespace
-}  // namespace minimal_host
+}  // namespace plain_host
 
 KOR::IKORIntList* createKORIntList() {
-    return new (std::nothrow) minimal_host::List<std::int32_t>;
+    return new (std::nothrow) plain_host::List<std::int32_t>;
 }
 KOR::IKORLonglongList* createKORLonglongList() {
-    return new (std::nothrow) minimal_host::List<std::int64_t>;
+    return new (std::nothrow) plain_host::List<std::int64_t>;
 }
 KOR::IKORVoidPtrList* createKORVoidPtrList() {
-    return new (std::nothrow) minimal_host::List<void*>;
+    return new (std::nothrow) plain_host::List<void*>;
 }
 KOR::IKORVoidPtrList* createKORAutoVoidPtrList() {
-    return new (std::nothrow) minimal_host::List<void*, true>;
+    return new (std::nothrow) plain_host::List<void*, true>;
 }
 
 KOR::KorLoggerWrapper* loggerWrapper(std::int32_t) {

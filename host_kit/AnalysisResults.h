@@ -5,7 +5,7 @@
 
 #include "host/results.h"
 
-namespace reference_host {
+namespace host_kit {
 
 /// What one run has found; empty where it was not asked for.
 struct AnalysisResults {
@@ -17,4 +17,4 @@ struct AnalysisResults {
     std::vector<KOR::BlurSample> blurs;
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

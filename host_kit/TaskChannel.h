@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "host/tasks.h"
-#include "reference_host/tasks/AnalysisResults.h"
+#include "host_kit/AnalysisResults.h"
 
-namespace reference_host {
+namespace host_kit {
 
 /// What stands between a task and its runs: the only thing that both know.
 ///
@@ -86,4 +86,4 @@ private:
     std::shared_ptr<const AnalysisResults> results_;
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

@@ -6,7 +6,7 @@
 
 #include "host/IDmBaseObj.h"
 
-namespace minimal_host {
+namespace plain_host {
 
 /// Gives `Interface` its reference counting: one reference at first, and the last deletes.
 template <typename Interface>
@@ -41,4 +41,4 @@ private:
     std::atomic<KOR::IDmDestroyObserver*> observer_ = nullptr;
 };
 
-}  // namespace minimal_host
+}  // namespace plain_host

@@ -1,10 +1,10 @@
-#include "reference_host/tasks/TaskChannel.h"
+#include "host_kit/TaskChannel.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
-namespace reference_host {
+namespace host_kit {
 namespace {
 
 /// The one code of this host: the reason says more.
@@ -150,4 +150,4 @@ void TaskChannel::callListeners(Lock& lock, KOR::TaskEvent event, KOR::TaskEvent
     }
 }
 
-}  // namespace reference_host
+}  // namespace host_kit

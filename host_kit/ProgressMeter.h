@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-namespace reference_host {
+namespace host_kit {
 
 /// Lets through as much of a run's progress as is worth an event: ascending whole percentages,
 /// about 20 a second, and 100 in any case. Belongs to one thread.
@@ -39,4 +39,4 @@ private:
     std::optional<Clock::time_point> toldAt_;
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

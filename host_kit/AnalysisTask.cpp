@@ -1,18 +1,18 @@
-#include "reference_host/tasks/AnalysisTask.h"
+#include "host_kit/AnalysisTask.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
-#include "reference_host/materials/Material.h"
-#include "reference_host/tasks/Workers.h"
-#include "reference_host/tasks/analyse.h"
+#include "host_kit/Source.h"
+#include "host_kit/Workers.h"
 
-namespace reference_host {
+namespace host_kit {
 namespace {
 
 constexpr std::uint32_t stateIdle = 0;
@@ -66,17 +66,21 @@ KOR::Status appendCopies(const std::vector<Element>& elements, KOR::IKORVoidPtrL
 }
 
 /// What the thread of a run does.
-void run(TaskChannel& channel, const AnalysisRequest& request, const std::stop_token& stop) {
+void run(TaskChannel& channel, Analysable* analysable, const AnalysisRequest& request,
+         const std::stop_token& stop) {
     ProgressMeter progress([&](std::int32_t percent) { channel.progress(stop, percent); });
     std::shared_ptr<const AnalysisResults> results;
     try {
-        results = std::make_shared<const AnalysisResults>(analyse(request, stop, progress));
+        if (analysable == nullptr)
+            throw std::runtime_error("the task has no source that it can read");
+        results =
+            std::make_shared<const AnalysisResults>(analysable->analyse(request, stop, progress));
         progress.report(100);
-        if (!stop.stop_requested()) request.footage->noteAnalysed();
+        if (!stop.stop_requested()) analysable->noteAnalysed();
     } catch (const std::exception& failure) {
         // What fails because it was stopped says nothing about the footage.
         if (stop.stop_requested()) return;
-        if (request.footage) request.footage->noteFailure(failure.what());
+        if (analysable != nullptr) analysable->noteFailure(failure.what());
         channel.fail(stop, failure.what());
     }
     channel.finish(stop, std::move(results));
@@ -139,15 +143,16 @@ KOR::Status AnalysisTask::removeCallBack(KOR::IKorCallBack* callBack) {
 KOR::Status AnalysisTask::start() {
     // Once the thread runs, a listener may give back the last reference on this object.
     const std::shared_ptr<TaskChannel> channel = channel_;
+    const std::shared_ptr<Analysable> analysable = preparation_.analysable;
     AnalysisRequest work = request();
     const std::optional<std::stop_source> source = channel->begin();
     if (!source) return KOR::statusFailed;
-    if (work.footage) work.footage->noteAnalysis();
+    if (analysable) analysable->noteAnalysis();
     try {
-        Workers::instance().launch(*source,
-                                   [channel, work = std::move(work), stop = source->get_token()] {
-                                       run(*channel, work, stop);
-                                   });
+        Workers::instance().launch(
+            *source, [channel, analysable, work = std::move(work), stop = source->get_token()] {
+                run(*channel, analysable.get(), work, stop);
+            });
     } catch (const std::exception&) {
         channel->abandon();
         return KOR::statusFailed;
@@ -173,9 +178,9 @@ KOR::Status AnalysisTask::setPriority(std::uint32_t priority) {
 KOR::Status AnalysisTask::setSource(KOR::IDmMediaSource* source, std::int64_t, std::int64_t) {
     preparation_ = {};
     channel_->forgetResults();
-    const auto* known = dynamic_cast<const FootageSource*>(source);
+    auto* const known = dynamic_cast<Source*>(source);
     if (known == nullptr) return KOR::statusFailed;
-    preparation_.footage = known->footage();
+    preparation_.analysable = known->analysable();
     return KOR::statusOk;
 }
 
@@ -240,7 +245,6 @@ bool AnalysisTask::computes(std::int32_t type) const {
 AnalysisRequest AnalysisTask::request() const {
     const bool isExplicit = preparation_.mode == KOR::parameterModeExplicit;
     AnalysisRequest request;
-    request.footage = preparation_.footage;
     request.wantsScenes = computes(KOR::analysisTypeScene);
     request.wantsKeyFrames = computes(KOR::analysisTypeKeyFrame);
     request.wantsFaces = computes(KOR::analysisTypeFace);
@@ -259,4 +263,4 @@ AnalysisRequest AnalysisTask::request() const {
     return request;
 }
 
-}  // namespace reference_host
+}  // namespace host_kit

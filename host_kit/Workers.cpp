@@ -1,10 +1,8 @@
-#include "reference_host/tasks/Workers.h"
+#include "host_kit/Workers.h"
 
 #include <utility>
 
-#include "reference_host/ReferenceHost.h"
-
-namespace reference_host {
+namespace host_kit {
 
 Workers& Workers::instance() {
     static Workers workers;
@@ -62,8 +60,4 @@ Workers::~Workers() {
         worker.thread.detach();
 }
 
-void endAllRuns() {
-    Workers::instance().endAll();
-}
-
-}  // namespace reference_host
+}  // namespace host_kit

@@ -7,7 +7,7 @@
 #include <stop_token>
 #include <thread>
 
-namespace reference_host {
+namespace host_kit {
 
 /// The threads on which tasks run: one for each run, ended with it.
 ///
@@ -48,4 +48,4 @@ private:
     std::list<Worker> ended_;
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

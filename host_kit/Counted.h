@@ -5,7 +5,7 @@
 
 #include "host/IDmBaseObj.h"
 
-namespace reference_host {
+namespace host_kit {
 
 /// Gives the interface `Interface` its reference counting.
 ///
@@ -51,4 +51,4 @@ private:
     std::atomic<KOR::IDmDestroyObserver*> observer_{nullptr};
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

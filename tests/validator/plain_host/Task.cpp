@@ -5,7 +5,7 @@
 #include "Channel.h"
 #include "Counted.h"
 
-namespace minimal_host {
+namespace plain_host {
 namespace {
 
 struct Stopped {};
@@ -182,7 +182,7 @@ private:
 };
 
 }  // namespace
-}  // namespace minimal_host
+}  // namespace plain_host
 
 KOR::IKorBaseTask* createMediaAnalysisTask(KOR::IKORIntList* types) try {
     const std::set<std::int32_t> known{KOR::analysisTypeScene, KOR::analysisTypeBlur,
@@ -192,7 +192,7 @@ KOR::IKorBaseTask* createMediaAnalysisTask(KOR::IKORIntList* types) try {
     for (std::int64_t i = 0; types != nullptr && i < types->count(); ++i)
         wanted.insert(types->at(i));
     if (wanted.empty() || !std::ranges::includes(known, wanted)) return nullptr;
-    return new minimal_host::Task(types->at(0), wanted);
+    return new plain_host::Task(types->at(0), wanted);
 } catch (const std::exception&) {
     return nullptr;
 }

@@ -8,13 +8,15 @@
 #include <vector>
 
 #include "host/tasks.h"
-#include "reference_host/services/Counted.h"
-#include "reference_host/tasks/AnalysisRequest.h"
-#include "reference_host/tasks/TaskChannel.h"
+#include "host_kit/AnalysisRequest.h"
+#include "host_kit/Counted.h"
+#include "host_kit/Source.h"
+#include "host_kit/TaskChannel.h"
 
-namespace reference_host {
+namespace host_kit {
 
-/// The task object: it keeps what it is told until a run starts, which gets a copy.
+/// A task that has what its source names analysed: it keeps what it is told until a run starts,
+/// which gets a copy.
 ///
 /// The object itself is never seen by a run's thread; see TaskChannel for what is.
 class AnalysisTask final : public Counted<KOR::IBsMediaAnalysisTask> {
@@ -64,7 +66,7 @@ public:
 private:
     /// What belongs to one source, and is forgotten with it.
     struct Preparation {
-        std::shared_ptr<Footage> footage;
+        std::shared_ptr<Analysable> analysable;
         std::int32_t mode = KOR::parameterModeDefault;
         std::vector<KOR::TickRange> sceneRanges;
         std::optional<KOR::SceneParameters> sceneParameters;
@@ -85,4 +87,4 @@ private:
     Preparation preparation_;
 };
 
-}  // namespace reference_host
+}  // namespace host_kit

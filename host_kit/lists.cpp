@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "reference_host/services/Counted.h"
+#include "host_kit/Counted.h"
 
-namespace reference_host {
+namespace host_kit {
 namespace {
 
 enum class Elements { borrowed, owned };
@@ -48,20 +48,20 @@ private:
 };
 
 }  // namespace
-}  // namespace reference_host
+}  // namespace host_kit
 
 KOR::IKORIntList* createKORIntList() {
-    return new (std::nothrow) reference_host::List<std::int32_t>;
+    return new (std::nothrow) host_kit::List<std::int32_t>;
 }
 
 KOR::IKORLonglongList* createKORLonglongList() {
-    return new (std::nothrow) reference_host::List<std::int64_t>;
+    return new (std::nothrow) host_kit::List<std::int64_t>;
 }
 
 KOR::IKORVoidPtrList* createKORVoidPtrList() {
-    return new (std::nothrow) reference_host::List<void*>;
+    return new (std::nothrow) host_kit::List<void*>;
 }
 
 KOR::IKORVoidPtrList* createKORAutoVoidPtrList() {
-    return new (std::nothrow) reference_host::List<void*, reference_host::Elements::owned>;
+    return new (std::nothrow) host_kit::List<void*, host_kit::Elements::owned>;
 }

@@ -12,7 +12,7 @@
 #include "analyse.h"
 #include "host/tasks.h"
 
-namespace minimal_host {
+namespace plain_host {
 
 /// What a task shares with the threads of its runs, which may outlive it: who listens, and which
 /// run is on. A thread whose run has been ended, and so its token stopped, is not heard any more.
@@ -136,4 +136,4 @@ private:
     std::shared_ptr<const Results> results_;
 };
 
-}  // namespace minimal_host
+}  // namespace plain_host
