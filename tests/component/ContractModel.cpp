@@ -2,7 +2,6 @@
 
 #include "tests/component/ContractModel.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -186,9 +185,7 @@ Status ContractModel::startTask(std::size_t task) {
     note(task, "start");
     if (tasks[task].running || tasks[task].failing.count("start") != 0) return statusFailed;
     tasks[task].running = true;
-    deepestStart = std::max(deepestStart, ++openStarts_);
     if (faults.tasksFinishInsideStart) finish(task);
-    --openStarts_;
     return statusOk;
 }
 
@@ -276,6 +273,11 @@ std::string ContractModel::overallProgress(std::int32_t percent) const {
             : (((p / n) * 0.01 + taskIndex / n) * c / all + before / all) * 1.0 * 100;
     if (!(std::abs(value) < 2147483647.0)) return "*";
     return std::to_string(static_cast<std::int32_t>(value));
+}
+
+int ContractModel::makings(Product product) const {
+    const auto found = made_.find(product);
+    return found == made_.end() ? 0 : found->second;
 }
 
 bool ContractModel::makes(Product product) {

@@ -114,8 +114,8 @@ public:
     /// words. A "*" stands for what hosts are promised nothing about.
     std::vector<std::string> takeJournal();
 
-    /// The most starts that stood inside one another.
-    int deepestStart = 0;
+    /// How often one of these was made, or should have been.
+    int makings(Product product) const;
 
 private:
     struct Range {
@@ -182,7 +182,6 @@ private:
     std::vector<KeyFrame> best_;
     std::map<Product, int> made_;
     int listenerCalls_ = 0;
-    int openStarts_ = 0;
     std::vector<std::string> journal_;
 };
 

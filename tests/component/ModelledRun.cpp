@@ -231,6 +231,21 @@ std::size_t ModelledRun::runningTask() const {
     return task;
 }
 
+void ModelledRun::finishAll() {
+    // Far more than the tasks of a case; a run that begins itself again has no end.
+    constexpr int mostFinishes = 100;
+    for (int i = 0; i < mostFinishes && runningTask() < model.tasks.size(); ++i) {
+        if (!model.finishIsDefined()) return;
+        finish(runningTask());
+    }
+}
+
+void ModelledRun::heal() {
+    model.faults = HostFaults();
+    host().faults = Faults();
+    breakHost();
+}
+
 void ModelledRun::end() {
     component_.reset();
     for (const Owned<FakeMedia>& material : media_) {

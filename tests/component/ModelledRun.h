@@ -48,6 +48,12 @@ public:
     /// The first task that runs, or the number of tasks.
     std::size_t runningTask() const;
 
+    /// Lets whatever runs come to its end, as far as hosts are promised what happens then.
+    void finishAll();
+
+    /// From here on everything that the host makes and does succeeds again.
+    void heal();
+
     /// Ends the component, of which nothing may be left.
     void end();
 

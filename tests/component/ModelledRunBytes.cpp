@@ -80,10 +80,10 @@ void takeResults(ByteReader& bytes, MediaSpec& spec) {
         sample = {takePosition(bytes), bytes.take<std::int8_t>() / 16.0};
 }
 
-ContractModel::ResultFile takeFile(ByteReader& bytes) {
-    ContractModel::ResultFile file{true, "1.0.0.1", "4,3", 2, 3.0, {}};
-    constexpr std::array kinds = {"4,3", "6,7", "6", "4,3,1,5", "", "3,4"};
-    file.kinds = kinds[below(bytes, kinds.size())];
+/// A file that a component with these kinds takes as its own, most of the time.
+ContractModel::ResultFile takeFile(ByteReader& bytes, const std::string& kinds) {
+    ContractModel::ResultFile file{true, "1.0.0.1", kinds, 2, 3.0, {}};
+    constexpr std::array thresholds = {2.9985, 2.9991, 3.0009, 3.0011, 3.0015, 4.0};
     switch (below(bytes, 16)) {
         case 0:
             file.parses = false;
@@ -107,10 +107,13 @@ ContractModel::ResultFile takeFile(ByteReader& bytes) {
             file.threshold.reset();
             break;
         case 7:
-            file.threshold = 3.0 + bytes.take<std::int8_t>() / 4096.0;
+            file.threshold = thresholds[below(bytes, thresholds.size())];
             break;
         case 8:
             return file;
+        case 9:
+            file.kinds = "3,4";
+            break;
         default:
             break;
     }
@@ -125,7 +128,7 @@ ContractModel::ResultFile takeFile(ByteReader& bytes) {
     return file;
 }
 
-ContractModel::Place takePlace(ByteReader& bytes) {
+ContractModel::Place takePlace(ByteReader& bytes, const std::string& kinds) {
     ContractModel::Place place;
     switch (below(bytes, 8)) {
         case 0:
@@ -138,7 +141,7 @@ ContractModel::Place takePlace(ByteReader& bytes) {
         case 3:
         case 4:
             place.hasDirectory = true;
-            place.file = takeFile(bytes);
+            place.file = takeFile(bytes, kinds);
             break;
         default:
             break;
@@ -146,7 +149,7 @@ ContractModel::Place takePlace(ByteReader& bytes) {
     return place;
 }
 
-void takeMedia(ByteReader& bytes, ContractModel& model) {
+void takeMedia(ByteReader& bytes, ContractModel& model, const std::string& kinds) {
     const std::size_t count = below(bytes, mostMaterials + 1);
     for (std::size_t i = 0; i < count; ++i) {
         constexpr std::array<std::uint32_t, 8> types = {8, 8, 8, 2, 0x40000, 4, 4, 0};
@@ -160,7 +163,7 @@ void takeMedia(ByteReader& bytes, ContractModel& model) {
             const std::string name = kept == 2 ? "0" : std::to_string(i);
             spec.mediaCache = (host().directory() / name).string();
             if (model.places.count(spec.mediaCache) == 0) {
-                model.places[spec.mediaCache] = takePlace(bytes);
+                model.places[spec.mediaCache] = takePlace(bytes, kinds);
             }
         }
         spec.isSourceMedia = !oneIn(bytes, 12);
@@ -197,6 +200,16 @@ std::vector<std::int32_t> takeKinds(ByteReader& bytes) {
     for (std::int32_t& kind : kinds)
         kind = static_cast<std::int32_t>(below(bytes, 10)) - 1;
     return kinds;
+}
+
+/// The kinds that tasks are made of, as a result file names them.
+std::string fileText(const std::vector<std::int32_t>& kinds) {
+    std::string text;
+    for (const std::int32_t kind : kinds) {
+        if (kind < 1 || kind > 7) continue;
+        text += (text.empty() ? "" : ",") + std::to_string(kind);
+    }
+    return text;
 }
 
 void takeTaskFaults(ByteReader& bytes, ModelledRun& run) {
@@ -280,35 +293,28 @@ void takeListeners(ByteReader& bytes, ContractModel& model) {
     model.acts[static_cast<int>(below(bytes, 12)) + 1] = ListenerAct::start;
 }
 
-/// Lets whatever runs come to its end.
-void finishAll(ModelledRun& run) {
-    for (int i = 0; i < 100 && run.runningTask() < run.model.tasks.size(); ++i) {
-        if (!run.model.finishIsDefined()) return;
-        run.finish(run.runningTask());
-    }
-}
-
 }  // namespace
 
 std::string differenceInRun(const std::uint8_t* data, std::size_t size) {
     ByteReader bytes(data, size);
     ModelledRun run;
     takeFaults(bytes, run.model.faults);
-    takeMedia(bytes, run.model);
+    const std::vector<std::int32_t> kinds = takeKinds(bytes);
+    takeMedia(bytes, run.model, fileText(kinds));
     takeListeners(bytes, run.model);
     run.prepare();
     for (std::size_t i = below(bytes, 4); i > 0; --i)
         takeParameter(bytes, run);
-    run.setKinds(takeKinds(bytes));
+    run.setKinds(kinds);
     if (oneIn(bytes, 12)) run.setKinds(takeKinds(bytes));
     takeTaskFaults(bytes, run);
     if (!oneIn(bytes, 16)) run.start();
     for (int i = 0; i < 60 && bytes.size() > 0; ++i)
         takeStep(bytes, run);
-    finishAll(run);
+    run.finishAll();
     if (oneIn(bytes, 2)) {
         run.start();
-        finishAll(run);
+        run.finishAll();
     }
     run.end();
     return run.difference();

@@ -23,6 +23,8 @@ bool read(const char* digits, const char* end, Number& number) {
 bool readExtreme(const char* digits, const char* end, double& number) {
     std::istringstream stream(std::string(digits, end));
     stream.imbue(std::locale::classic());
+    // Without memory the number is not refused: left alone, the stream would say no more than that.
+    stream.exceptions(std::ios_base::badbit);
     return static_cast<bool>(stream >> number);
 }
 
