@@ -16,6 +16,7 @@ struct Watching {
     std::int64_t part = 0;  ///< goes up with each watch
     bool isOpen = false;
     std::int64_t failing = 0;
+    Failing mode = Failing::onlyThatOne;
     std::int64_t made = 0;
     std::int64_t left = 0;
     bool hasThrown = false;
@@ -24,9 +25,16 @@ struct Watching {
 
 Watching watching;
 
+/// Counts one more allocation, and says whether it is to fail.
+bool nextFails() {
+    ++watching.made;
+    if (watching.failing == 0 || watching.made < watching.failing) return false;
+    return watching.made == watching.failing || watching.mode == Failing::allBehindIt;
+}
+
 /// Null where the allocation is to fail, or does.
 void* allocate(std::size_t size) {
-    if (watching.isOpen && ++watching.made == watching.failing) return nullptr;
+    if (watching.isOpen && nextFails()) return nullptr;
     void* const memory = std::malloc(sizeof(Header) + size);
     if (memory == nullptr) return nullptr;
     auto* const header = new (memory) Header{watching.isOpen ? watching.part : 0};
@@ -43,8 +51,8 @@ void deallocate(void* block) {
 
 }  // namespace
 
-AllocationWatch::AllocationWatch(std::int64_t failing) {
-    watching = Watching{watching.part + 1, true, failing, 0, 0, false, false};
+AllocationWatch::AllocationWatch(std::int64_t failing, Failing mode) {
+    watching = Watching{watching.part + 1, true, failing, mode, 0, 0, false, false};
 }
 
 AllocationWatch::~AllocationWatch() {

@@ -4,13 +4,16 @@
 
 namespace fake_host {
 
+/// How much fails from the first failure on.
+enum class Failing { onlyThatOne, allBehindIt };
+
 /// Watches the allocations of a program that is linked with AllocationWatch.cpp, whose `operator
-/// new` stands in for the library's: one of them can be made to fail, and what is not freed shows.
+/// new` stands in for the library's: they can be made to fail, and what is not freed shows.
 /// One at a time, on one thread.
 class AllocationWatch {
 public:
     /// Begins to watch. The `failing`th allocation from here on fails, counted from 1; none for 0.
-    explicit AllocationWatch(std::int64_t failing);
+    explicit AllocationWatch(std::int64_t failing, Failing mode = Failing::onlyThatOne);
 
     /// Goes on failing nothing; what was allocated until then is still waited for.
     ~AllocationWatch();
