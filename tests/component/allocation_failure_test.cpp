@@ -258,11 +258,17 @@ TEST_P(AllocationFailure, MayLastUntilEverythingIsGivenUp) {
     liveWithEachFailing(Failing::allBehindIt);
 }
 
-std::string resultFile(const std::string& kinds, const std::string& score) {
+/// A result file with one and the same record so many times.
+std::string resultFile(const std::string& kinds, const std::string& score, int count = 1) {
+    std::string records;
+    for (int i = 0; i < count; ++i) {
+        records += (i == 0 ? "" : ", ") + (R"({"score": )" + score) +
+                   R"(, "begin": 1, "end": 3, "posOfMaxScore": 2,)" +
+                   R"( "faceRectOfPhoto": "1.000000,0.250000,0.500000,0.500000"})";
+    }
     return R"({"version": "1.0.0.1", "analysisTypes": ")" + kinds +
-           R"(", "minScenceDuration": 2, "scenceDetectionThreshold": 3.0, "result": [{"score": )" +
-           score + R"(, "begin": 1, "end": 3, "posOfMaxScore": 2,)" +
-           R"( "faceRectOfPhoto": "1.000000,0.250000,0.500000,0.500000"}]})";
+           R"(", "minScenceDuration": 2, "scenceDetectionThreshold": 3.0, "result": [)" + records +
+           "]}";
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -271,6 +277,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Story{"CombinedAnalyses", {6, 7}, false, "", 300},
                       Story{"PhotosWithFaces", {4, 1}, true, "", 200},
                       Story{"RestoredFile", {4, 3}, false, resultFile("4,3", "0.5"), 200},
+                      // More than the JSON library's stack has room for at first.
+                      Story{"RestoredLongFile", {4, 3}, false, resultFile("4,3", "0.5", 40), 400},
                       // Numbers as small as this are read in a way of their own.
                       Story{"RestoredTinyNumber", {4, 3}, false, resultFile("4,3", "1e-400"), 200},
                       Story{"StaleFile", {4, 3}, false, resultFile("4,3,1", "0.5"), 200}),
