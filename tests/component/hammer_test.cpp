@@ -88,7 +88,7 @@ protected:
 };
 
 TEST_F(Hammer, LastOfManyReferencesDestroysOnce) {
-    for (int round = 0; round < 500; ++round) {
+    for (int round = 0; round < 200; ++round) {
         auto* const analysis = createMaterialAnalysis();
         CountingDeaths observer;
         analysis->setDestroyObserver(&observer);
@@ -109,7 +109,7 @@ TEST_F(Hammer, LastOfManyReferencesDestroysOnce) {
 TEST_F(Hammer, StopRacesEventsOfARun) {
     insertVideos();
     int cancelled = 0;
-    for (int round = 0; round < 600; ++round) {
+    for (int round = 0; round < 300; ++round) {
         const int before = listener.ends;
         component().start();
         atOnce({[] { reportAll(); },
@@ -130,7 +130,7 @@ TEST_F(Hammer, StopRacesEventsOfARun) {
 
 TEST_F(Hammer, StopRacesItself) {
     insertVideos();
-    for (int round = 0; round < 600; ++round) {
+    for (int round = 0; round < 300; ++round) {
         const int before = listener.stops;
         component().start();
         const auto stop = [this] { component().stop(); };
@@ -144,7 +144,7 @@ TEST_F(Hammer, StopRacesItself) {
 TEST_F(Hammer, StopRacesAStartThatIsTheWholeRun) {
     insertVideos();
     host().tasksFinishInsideStart = true;
-    for (int round = 0; round < 600; ++round) {
+    for (int round = 0; round < 300; ++round) {
         const int before = listener.ends;
         atOnce({[this] { component().start(); }, [this] { component().stop(); }});
         ASSERT_LE(listener.ends - before, 1);
@@ -156,7 +156,7 @@ TEST_F(Hammer, StopRacesAStartThatIsTheWholeRun) {
 
 TEST_F(Hammer, StartsAndStopsInALoopWithEventsElsewhere) {
     insertVideos();
-    for (int round = 0; round < 600; ++round) {
+    for (int round = 0; round < 300; ++round) {
         component().start();
         std::thread([round] {
             for (int i = 0; i < round % 12; ++i) {
