@@ -231,7 +231,8 @@ void ContractModel::handRanges(std::size_t task, Status& status) {
             continue;
         }
         if (!ranges.empty()) ranges += " ";
-        ranges += "[" + std::to_string(scene.begin) + ", " + std::to_string(scene.end) + ")";
+        ranges += "[" + joined(std::vector{scene.begin, scene.end});
+        ranges += ")";
     }
     note(task, "setSceneRanges(" + ranges + ")");
     if (tasks[task].failing.count("setSceneRanges") != 0) status = statusFailed;
@@ -244,7 +245,9 @@ void ContractModel::handBlock(std::size_t task, const std::string& arguments, St
 
 void ContractModel::notify(std::uint32_t event, const std::string& percent) {
     for (const std::string& name : listeners) {
-        journal_.push_back(name + ": event " + std::to_string(event) + ", " + percent);
+        std::string& line = journal_.emplace_back(name);
+        line += ": event " + std::to_string(event) + ", ";
+        line += percent;
         if (name != listeners.front()) continue;
         const auto act = acts.find(++listenerCalls_);
         if (act == acts.end()) continue;

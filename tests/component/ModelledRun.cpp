@@ -40,8 +40,10 @@ std::string fileText(const ContractModel::ResultFile& file) {
     if (file.threshold) add("scenceDetectionThreshold", asText(*file.threshold));
     if (file.records) {
         std::string elements;
-        for (const ContractModel::Record& record : *file.records)
-            elements += (elements.empty() ? "" : ", ") + recordText(record);
+        for (const ContractModel::Record& record : *file.records) {
+            elements += elements.empty() ? "" : ", ";
+            elements += recordText(record);
+        }
         add("result", "[" + elements + "]");
     }
     return "{" + members + (file.parses ? "}" : "");

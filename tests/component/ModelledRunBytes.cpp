@@ -28,9 +28,15 @@ bool oneIn(ByteReader& bytes, std::size_t count) {
     return below(bytes, count) == count - 1;
 }
 
+/// From -128 to 127.
+std::int32_t takeSigned(ByteReader& bytes) {
+    const std::int32_t value = bytes.take<std::uint8_t>();
+    return value < 128 ? value : value - 256;
+}
+
 /// Mostly within a clip of 100 seconds, and on borders that others lie on, too.
 std::int64_t takePosition(ByteReader& bytes) {
-    const auto value = static_cast<std::int64_t>(bytes.take<std::int8_t>());
+    const auto value = std::int64_t{takeSigned(bytes)};
     return oneIn(bytes, 8) ? value : value * second;
 }
 
@@ -49,11 +55,10 @@ std::int64_t takeDuration(ByteReader& bytes) {
 
 KOR::FaceDetectFrame takeFaces(ByteReader& bytes) {
     std::vector<KOR::KorRect> faces(below(bytes, 4));
-    const auto part = [&bytes] { return bytes.take<std::int8_t>() / 64.0; };
+    const auto part = [&bytes] { return takeSigned(bytes) / 64.0; };
     for (KOR::KorRect& face : faces)
         face = {part(), part(), part(), part()};
-    return oneIn(bytes, 8) ? frameCounting(bytes.take<std::int8_t>() % 21, faces)
-                           : frameWith(faces);
+    return oneIn(bytes, 8) ? frameCounting(takeSigned(bytes) % 21, faces) : frameWith(faces);
 }
 
 void takeResults(ByteReader& bytes, MediaSpec& spec) {
@@ -77,7 +82,7 @@ void takeResults(ByteReader& bytes, MediaSpec& spec) {
         spec.faceResults.push_back(takeFaces(bytes));
     spec.entropyResults.resize(below(bytes, 5));
     for (KOR::EntropySample& sample : spec.entropyResults)
-        sample = {takePosition(bytes), bytes.take<std::int8_t>() / 16.0};
+        sample = {takePosition(bytes), takeSigned(bytes) / 16.0};
 }
 
 /// A file that a component with these kinds takes as its own, most of the time.
@@ -101,7 +106,7 @@ ContractModel::ResultFile takeFile(ByteReader& bytes, const std::string& kinds) 
             file.minScenceDuration.reset();
             break;
         case 5:
-            file.minScenceDuration = bytes.take<std::int8_t>();
+            file.minScenceDuration = takeSigned(bytes);
             break;
         case 6:
             file.threshold.reset();
@@ -118,7 +123,7 @@ ContractModel::ResultFile takeFile(ByteReader& bytes, const std::string& kinds) 
             break;
     }
     file.records.emplace();
-    const auto number = [&bytes] { return std::int64_t{bytes.take<std::int8_t>()}; };
+    const auto number = [&bytes] { return std::int64_t{takeSigned(bytes)}; };
     for (std::size_t i = below(bytes, 3); i > 0; --i) {
         const double score = static_cast<double>(number()) / 8;
         const auto part = [&] { return static_cast<double>(number()) / 4; };
@@ -233,7 +238,7 @@ void takeTaskFaults(ByteReader& bytes, ModelledRun& run) {
 }
 
 void takeParameter(ByteReader& bytes, ModelledRun& run) {
-    const std::int32_t value = bytes.take<std::int8_t>();
+    const std::int32_t value = takeSigned(bytes);
     switch (below(bytes, 5)) {
         case 0:
             run.setParam("minScenceDuration", value);
@@ -259,7 +264,7 @@ void takeEvent(ByteReader& bytes, ModelledRun& run) {
     const std::uint32_t category = oneIn(bytes, 8) ? bytes.take<std::uint8_t>() : 1;
     const auto event = static_cast<std::uint32_t>(below(bytes, 7));
     const bool hasPayload = event == 1 || !oneIn(bytes, 3);
-    run.send(task, category, event, hasPayload, bytes.take<std::int8_t>());
+    run.send(task, category, event, hasPayload, takeSigned(bytes));
 }
 
 void takeStep(ByteReader& bytes, ModelledRun& run) {
