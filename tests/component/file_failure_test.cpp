@@ -55,6 +55,14 @@ private:
     std::optional<Limit> limit_;
 };
 
+/// The sanitizer of undefined behaviour opens pipes itself to look at an object's type, and takes
+/// their failure for a broken object.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool descriptorsMayRunOut = false;
+#else
+constexpr bool descriptorsMayRunOut = true;
+#endif
+
 rlim_t firstFreeDescriptor() {
     const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);
     close(next);
@@ -182,6 +190,7 @@ TEST_P(FileFailure, FullDeviceLeavesAPartThatIsNotTaken) {
 }
 
 TEST_P(FileFailure, WithoutADescriptorNothingIsWritten) {
+    if (!descriptorsMayRunOut) GTEST_SKIP() << "the sanitizer needs descriptors";
     runAround([] { return std::make_unique<Limit>(RLIMIT_NOFILE, firstFreeDescriptor()); });
     for (int i = 0; i < videos; ++i)
         EXPECT_EQ(isFile(i), i != broken()) << i;
@@ -190,6 +199,7 @@ TEST_P(FileFailure, WithoutADescriptorNothingIsWritten) {
 }
 
 TEST_F(FilesOfVideos, AreDeletedAndMadeAgainWithoutDescriptors) {
+    if (!descriptorsMayRunOut) GTEST_SKIP() << "the sanitizer needs descriptors";
     run();
     {
         const Limit noDescriptors(RLIMIT_NOFILE, firstFreeDescriptor());
