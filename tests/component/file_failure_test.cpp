@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -175,6 +176,16 @@ TEST_P(FileFailure, LinkToAFullDevice) {
     EXPECT_EQ(run(), videos * 2);
     EXPECT_TRUE(isFile(broken()));
     EXPECT_EQ(run(), 0);
+}
+
+TEST_P(FileFailure, LinkToAFullDeviceThatStays) {
+    host().faults.removalsFail = true;
+    fs::create_directories(analysis(broken()));
+    fs::create_symlink("/dev/full", file(broken()));
+    expectOnlyTheBrokenAnalysedAgain();
+    const Lines texts = logTexts();
+    // In each of the three runs it is neither read nor written.
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "analysisCachePath open failed"), 6);
 }
 
 TEST_P(FileFailure, FullDeviceLeavesAPartThatIsNotTaken) {

@@ -88,12 +88,12 @@ protected:
 };
 
 TEST_F(Hammer, LastOfManyReferencesDestroysOnce) {
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 50; ++round) {
         auto* const analysis = createMaterialAnalysis();
         CountingDeaths observer;
         analysis->setDestroyObserver(&observer);
         const auto countAndRelease = [analysis] {
-            for (int i = 0; i < 20; ++i) {
+            for (int i = 0; i < 1000; ++i) {
                 analysis->addRef();
                 analysis->release();
             }
@@ -120,6 +120,9 @@ TEST_F(Hammer, StopRacesEventsOfARun) {
                 }});
         component().stop();
         ASSERT_EQ(host().runningTask(), nullptr);
+        const int starts = host().startCount;
+        task(0).finish();
+        ASSERT_EQ(host().startCount, starts);
         const int ends = listener.ends - before;
         ASSERT_LE(ends, 1);
         cancelled += 1 - ends;
