@@ -80,7 +80,7 @@ protected:
     }
 
     static constexpr int videos = 3;
-    static constexpr int recordsEach = 2;
+    static constexpr std::size_t recordsInAll = 6;
 
     static fs::path cache(int video) {
         return host().directory() / ("cache" + std::to_string(video));
@@ -97,7 +97,7 @@ protected:
         EXPECT_EQ(listener.events().size(), ends + 1);
         EXPECT_EQ(listener.events().back(), KOR::taskEventFinished);
         const auto records = probe().results();
-        EXPECT_EQ(records.size(), std::size_t{videos * recordsEach});
+        EXPECT_EQ(records.size(), recordsInAll);
         for (std::size_t i = 0; i < records.size(); ++i) {
             EXPECT_EQ(records[i].posOfMaxScore, i % 2 == 0 ? 100000000 : 600000000);
         }
@@ -125,7 +125,7 @@ protected:
             running->finish();
         }
         EXPECT_EQ(listener.events().back(), KOR::taskEventFinished);
-        EXPECT_EQ(probe().results().size(), std::size_t{videos * recordsEach});
+        EXPECT_EQ(probe().results().size(), recordsInAll);
     }
 
     /// Analyses all, then restores all but the broken one, which is analysed each time.
@@ -189,7 +189,7 @@ TEST_P(FileFailure, LinkToAFullDeviceThatStays) {
 }
 
 TEST_P(FileFailure, FullDeviceLeavesAPartThatIsNotTaken) {
-    for (const rlim_t room : {0, 1, 100, 300}) {
+    for (const rlim_t room : {0U, 1U, 100U, 300U}) {
         SCOPED_TRACE(room);
         forgetFiles();
         runAround([room] { return std::make_unique<FullDevice>(room); });

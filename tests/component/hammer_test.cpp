@@ -39,6 +39,7 @@ public:
 void atOnce(const std::vector<std::function<void()>>& works) {
     std::atomic<std::size_t> ready{0};
     std::vector<std::thread> threads;
+    threads.reserve(works.size());
     for (const auto& work : works) {
         threads.emplace_back([&ready, &work, count = works.size()] {
             ready.fetch_add(1, std::memory_order_relaxed);

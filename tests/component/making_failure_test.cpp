@@ -55,7 +55,7 @@ protected:
     }
 };
 
-TEST_P(MakingFailure, GoesAsTheModelSaysAndTheNextRunIsWhole) {
+TEST_P(MakingFailure, GoesAsModelledAndSpoilsNoLaterRun) {
     std::size_t wholeRecords = 0;
     int makings = 0;
     {
