@@ -9,6 +9,17 @@
 namespace validator {
 
 extern const std::vector<RunnableCheck> libraryChecks;
+extern const std::vector<ComponentCheck> eventsChecks;
+extern const std::vector<ComponentCheck> failureChecks;
 extern const std::vector<ComponentCheck> identityChecks;
+extern const std::vector<ComponentCheck> listenersChecks;
+extern const std::vector<ComponentCheck> mixturesChecks;
+extern const std::vector<ComponentCheck> nestingChecks;
+extern const std::vector<ComponentCheck> releaseChecks;
+extern const std::vector<ComponentCheck> runChecks;
+extern const std::vector<ComponentCheck> selectionChecks;
+extern const std::vector<ComponentCheck> stopChecks;
+extern const std::vector<ComponentCheck> threadsChecks;
+extern const std::vector<ComponentCheck> tracesChecks;
 
 }  // namespace validator

@@ -4,7 +4,10 @@
 int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
-    for (const auto* const group : {&identityChecks})
+    for (const auto* const group :
+         {&eventsChecks, &failureChecks, &identityChecks, &listenersChecks, &mixturesChecks,
+          &nestingChecks, &releaseChecks, &runChecks, &selectionChecks, &stopChecks, &threadsChecks,
+          &tracesChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
