@@ -128,6 +128,7 @@ void endsByStop(Stage& stage) {
         if (++starts == 60) stage.component().stop();
     });
     stage.component().start();
+    stage.task(0).finish();
     expectEqual("tasks started", host().startCount.load(), 60);
     expectEqual("the events", listener.events(), Events{4});
 }
