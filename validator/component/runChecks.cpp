@@ -122,12 +122,16 @@ void runsAgainAlike(Stage& stage) {
 }
 
 void forgetsRecords(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
     stage.insert(clip());
     stage.useKinds({4, 3});
     stage.runToEnd();
     expectEqual("records of the first run", stage.results().size(), std::size_t{2});
     stage.component().start();
-    expectEqual("records once the second run has begun", stage.results().size(), std::size_t{0});
+    std::size_t records = 1;
+    insideProgress(listener, [&] { records = stage.results().size(); });
+    expectEqual("records once the second run has begun", records, std::size_t{0});
     host().finishAllTasks();
     expectEqual("records of the second run", stage.results().size(), std::size_t{2});
 }
@@ -214,10 +218,14 @@ void collectsNothingOfOneKind(Stage& stage) {
 void collectsAfterTheLastTaskOnly(Stage& stage) {
     stage.insert(clip());
     stage.useKinds({4, 3, 5});
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
     stage.component().start();
     stage.task(0).finish();
     stage.task(1).finish();
-    expectEqual("records before the last task", stage.results().size(), std::size_t{0});
+    std::size_t records = 1;
+    insideProgress(listener, [&] { records = stage.results().size(); });
+    expectEqual("records before the last task", records, std::size_t{0});
     stage.task(2).finish();
     expectEqual("records after the last task", stage.results().size(), std::size_t{2});
 }
@@ -254,12 +262,16 @@ void pairsKindsBehindAMissingTask(Stage& stage) {
 }
 
 void keepsItsState(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
     stage.insert(clip());
     stage.useKinds({4, 3});
     expectEqual("getState() before the run", stage.component().getState(), 0);
     stage.component().start();
     stage.task(0).finish();
-    expectEqual("getState() during the run", stage.component().getState(), 0);
+    std::uint32_t state = 1;
+    insideProgress(listener, [&] { state = stage.component().getState(); });
+    expectEqual("getState() during the run", state, 0);
     stage.task(1).finish();
     expectEqual("getState() after the run", stage.component().getState(), 0);
 }
@@ -275,6 +287,22 @@ void takesRestoredAsDone(Stage& stage) {
     expectLines("the starts of the second run", startsSinceLastLook(stage),
                 {"task0 b.mp4", "task1 b.mp4"});
     expectLines("the records of the second run", recordLines(stage), records);
+}
+
+void logsDoublesShortly(Stage& stage) {
+    stage.insert(video("clip.mp4", 100 * second)
+                     .scenes({{0, 1}, {10, 10 + 50 * second}})
+                     .keyFrames({0, 20}));
+    stage.setParam("minScenceDuration", 0);
+    stage.useKinds({4, 3});
+    stage.runToEnd();
+    Lines ends = stage.logTexts();
+    std::erase_if(ends, [](const std::string& text) { return !text.starts_with("fileName: "); });
+    expectLines("the lines of the records", ends,
+                {"fileName: clip.mp4 begin: 0 end: 1 keyframe pos: 0 socre: 6e-10 face rect: "
+                 "{0000} \n",
+                 "fileName: clip.mp4 begin: 10 end: 500000010 keyframe pos: 20 socre: 0.15 face "
+                 "rect: {0000} \n"});
 }
 
 void logsRecordsAtItsEnd(Stage& stage) {
@@ -319,6 +347,9 @@ const std::vector<ComponentCheck> runChecks = {
      hasRecordsAtItsEnd},
     {"run.logs-its-records-at-its-end", "The end of a run logs every record, in their order.",
      logsRecordsAtItsEnd},
+    {"run.logs-doubles-shortly",
+     "In the line of a record doubles have up to six digits, with an exponent where they need one.",
+     logsDoublesShortly},
     {"run.can-follow-a-run", "A second run does what the first did, from the first material on.",
      runsAgainAlike},
     {"run.forgets-records-at-start", "start() forgets the records of the run before.",

@@ -89,6 +89,11 @@ void onceInside(RecordingListener& listener, std::function<void()> action) {
     };
 }
 
+void insideProgress(RecordingListener& listener, std::function<void()> action) {
+    onceInside(listener, std::move(action));
+    host().runningTask()->progress(50);
+}
+
 void expectNothingLeft(Stage& stage) {
     stage.end();
     expectEqual("tasks that are left", host().live.tasks.load(), 0);

@@ -41,6 +41,10 @@ Lines recordLines(Stage& stage);
 /// Has `action` run inside the next event that the listener is told of, and only there.
 void onceInside(RecordingListener& listener, std::function<void()> action);
 
+/// Has the running task report, and `action` run inside what the listener is told of it: while a
+/// run is on, that is where a host may do most things.
+void insideProgress(RecordingListener& listener, std::function<void()> action);
+
 /// Fails unless nothing of the host's is left once the stage has let go of everything.
 void expectNothingLeft(Stage& stage);
 

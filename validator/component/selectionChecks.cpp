@@ -57,11 +57,13 @@ void hasWideLimit(Stage& stage) {
 }
 
 void readsLimitAtEachMaterial(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
     for (const char* const name : {"a.mp4", "b.mp4", "c.mp4"})
         stage.insert(video(name, 5 * second));
     useKindsQuietly(stage, {4});
     stage.component().start();
-    stage.setParam(minNeed, 5);
+    insideProgress(listener, [&] { stage.setParam(minNeed, 5); });
     host().finishAllTasks();
     expectLines("the starts", startsSinceLastLook(stage), {"task0 a.mp4"});
 }
@@ -116,12 +118,14 @@ void analysesPhotosForAnyButZero(Stage& stage) {
 }
 
 void readsPhotoParameterAtEachMaterial(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
     for (const char* const name : {"a.jpg", "b.jpg", "c.jpg"})
         stage.insert(photo(name));
     stage.setParam(photoNeed, 1);
     useKindsQuietly(stage, {4, 1});
     stage.component().start();
-    stage.setParam(photoNeed, 0);
+    insideProgress(listener, [&] { stage.setParam(photoNeed, 0); });
     host().finishAllTasks();
     expectLines("the starts", startsSinceLastLook(stage), {"task1 a.jpg"});
 }
