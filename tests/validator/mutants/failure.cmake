@@ -13,7 +13,7 @@ add_component_mutant(failed-preparation-starts-nothing
   BY [[    if (prepared == statusFailed) return statusFailed;
     const NestedStart mark(this, currentMaterialIndex);]]
   CAUGHT_BY failure.of-operations-ends-no-run failure.of-preparation-shows-in-start
-    failure.of-handed-list-shows-in-start failure.of-source-shows-in-start
+    failure.of-handed-list-starts-the-task failure.of-source-shows-in-start
     failure.of-appending-ends-no-run)
 
 add_component_mutant(failed-preparation-is-forgotten
@@ -21,8 +21,7 @@ add_component_mutant(failed-preparation-is-forgotten
   REPLACE [[    return combined(prepared, started);]]
   BY [[    static_cast<void>(prepared);
     return started;]]
-  CAUGHT_BY failure.of-preparation-shows-in-start failure.of-handed-list-shows-in-start
-    failure.of-source-shows-in-start)
+  CAUGHT_BY failure.of-preparation-shows-in-start failure.of-source-shows-in-start)
 
 add_component_mutant(refused-start-is-forgotten
   SOURCE TaskLaunch.cpp

@@ -34,13 +34,6 @@ add_component_mutant(release-cancels-the-run
     return RefCnt<void>::release();]]
   CAUGHT_BY release.leaves-run-to-other-references)
 
-add_component_mutant(events-hold-a-reference
-  SOURCE RunDriver.cpp
-  REPLACE [[    if (category != taskEventCategory) return statusOk;]]
-  BY [[    if (category != taskEventCategory) return statusOk;
-    const Ref<IDmBaseObj> self = Ref<IDmBaseObj>::share(this);]]
-  CAUGHT_BY release.finds-no-further-reference-in-events)
-
 add_component_mutant(copies-share-one-reference
   SOURCE KorMaterialAnalysis.cpp
   REPLACE [[        copy.release();

@@ -177,6 +177,12 @@ add_component_mutant(state-follows-the-run
   BY [[    return currentTaskIndex < 0 ? state : 1;]]
   CAUGHT_BY run.keeps-its-state-0)
 
+add_component_mutant(scores-logged-at-length
+  SOURCE AutoTrim.cpp
+  REPLACE [[" socre: ", result->score,]]
+  BY [[" socre: ", std::to_string(result->score),]]
+  CAUGHT_BY run.logs-doubles-shortly run.logs-its-records-at-its-end)
+
 add_component_mutant(every-second-material-is-left-out
   SOURCE RunDriver.cpp
   REPLACE [[        moveToMaterial(currentMaterialIndex + 1);
