@@ -9,6 +9,7 @@
 namespace validator {
 
 extern const std::vector<RunnableCheck> libraryChecks;
+extern const std::vector<ComponentCheck> basetaskChecks;
 extern const std::vector<ComponentCheck> countingChecks;
 extern const std::vector<ComponentCheck> identityChecks;
 
