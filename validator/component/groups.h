@@ -12,5 +12,6 @@ extern const std::vector<RunnableCheck> libraryChecks;
 extern const std::vector<ComponentCheck> basetaskChecks;
 extern const std::vector<ComponentCheck> countingChecks;
 extern const std::vector<ComponentCheck> identityChecks;
+extern const std::vector<ComponentCheck> parametersChecks;
 
 }  // namespace validator
