@@ -5,7 +5,7 @@ int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
     for (const auto* const group :
-         {&basetaskChecks, &countingChecks, &identityChecks, &parametersChecks})
+         {&basetaskChecks, &countingChecks, &identityChecks, &optionsChecks, &parametersChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
