@@ -4,8 +4,8 @@
 int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
-    for (const auto* const group :
-         {&basetaskChecks, &countingChecks, &identityChecks, &optionsChecks, &parametersChecks})
+    for (const auto* const group : {&basetaskChecks, &countingChecks, &identityChecks,
+                                    &materialsChecks, &optionsChecks, &parametersChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
