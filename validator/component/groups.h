@@ -12,6 +12,7 @@ extern const std::vector<RunnableCheck> libraryChecks;
 extern const std::vector<ComponentCheck> basetaskChecks;
 extern const std::vector<ComponentCheck> countingChecks;
 extern const std::vector<ComponentCheck> identityChecks;
+extern const std::vector<ComponentCheck> kindsChecks;
 extern const std::vector<ComponentCheck> materialsChecks;
 extern const std::vector<ComponentCheck> optionsChecks;
 extern const std::vector<ComponentCheck> parametersChecks;

@@ -4,7 +4,7 @@
 int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
-    for (const auto* const group : {&basetaskChecks, &countingChecks, &identityChecks,
+    for (const auto* const group : {&basetaskChecks, &countingChecks, &identityChecks, &kindsChecks,
                                     &materialsChecks, &optionsChecks, &parametersChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
