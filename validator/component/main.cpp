@@ -4,8 +4,9 @@
 int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
-    for (const auto* const group : {&basetaskChecks, &countingChecks, &identityChecks, &kindsChecks,
-                                    &materialsChecks, &optionsChecks, &parametersChecks})
+    for (const auto* const group :
+         {&basetaskChecks, &countingChecks, &identityChecks, &kindsChecks, &launchChecks,
+          &materialsChecks, &optionsChecks, &parametersChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
