@@ -14,6 +14,7 @@ extern const std::vector<ComponentCheck> countingChecks;
 extern const std::vector<ComponentCheck> identityChecks;
 extern const std::vector<ComponentCheck> kindsChecks;
 extern const std::vector<ComponentCheck> launchChecks;
+extern const std::vector<ComponentCheck> launchFaultsChecks;
 extern const std::vector<ComponentCheck> materialsChecks;
 extern const std::vector<ComponentCheck> optionsChecks;
 extern const std::vector<ComponentCheck> parametersChecks;

@@ -6,7 +6,7 @@ int main(int argumentCount, char** arguments) {
     std::vector<RunnableCheck> checks = libraryChecks;
     for (const auto* const group :
          {&basetaskChecks, &countingChecks, &identityChecks, &kindsChecks, &launchChecks,
-          &materialsChecks, &optionsChecks, &parametersChecks})
+          &launchFaultsChecks, &materialsChecks, &optionsChecks, &parametersChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
