@@ -9,6 +9,9 @@
 namespace validator {
 
 extern const std::vector<RunnableCheck> libraryChecks;
+extern const std::vector<ComponentCheck> durationChecks;
 extern const std::vector<ComponentCheck> identityChecks;
+extern const std::vector<ComponentCheck> keyframesChecks;
+extern const std::vector<ComponentCheck> scenesChecks;
 
 }  // namespace validator

@@ -4,7 +4,8 @@
 int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
-    for (const auto* const group : {&identityChecks})
+    for (const auto* const group :
+         {&durationChecks, &identityChecks, &keyframesChecks, &scenesChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
