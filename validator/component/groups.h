@@ -10,8 +10,12 @@ namespace validator {
 
 extern const std::vector<RunnableCheck> libraryChecks;
 extern const std::vector<ComponentCheck> durationChecks;
+extern const std::vector<ComponentCheck> entropyChecks;
+extern const std::vector<ComponentCheck> facerectChecks;
+extern const std::vector<ComponentCheck> facesChecks;
 extern const std::vector<ComponentCheck> identityChecks;
 extern const std::vector<ComponentCheck> keyframesChecks;
+extern const std::vector<ComponentCheck> rankingChecks;
 extern const std::vector<ComponentCheck> scenesChecks;
 
 }  // namespace validator

@@ -5,7 +5,8 @@ int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
     for (const auto* const group :
-         {&durationChecks, &identityChecks, &keyframesChecks, &scenesChecks})
+         {&durationChecks, &entropyChecks, &facerectChecks, &facesChecks, &identityChecks,
+          &keyframesChecks, &rankingChecks, &scenesChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
