@@ -15,7 +15,9 @@ extern const std::vector<ComponentCheck> facerectChecks;
 extern const std::vector<ComponentCheck> facesChecks;
 extern const std::vector<ComponentCheck> identityChecks;
 extern const std::vector<ComponentCheck> keyframesChecks;
+extern const std::vector<ComponentCheck> logsChecks;
 extern const std::vector<ComponentCheck> rankingChecks;
+extern const std::vector<ComponentCheck> recordsChecks;
 extern const std::vector<ComponentCheck> scenesChecks;
 
 }  // namespace validator

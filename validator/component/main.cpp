@@ -6,7 +6,7 @@ int main(int argumentCount, char** arguments) {
     std::vector<RunnableCheck> checks = libraryChecks;
     for (const auto* const group :
          {&durationChecks, &entropyChecks, &facerectChecks, &facesChecks, &identityChecks,
-          &keyframesChecks, &rankingChecks, &scenesChecks})
+          &keyframesChecks, &logsChecks, &rankingChecks, &recordsChecks, &scenesChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
