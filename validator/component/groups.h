@@ -9,6 +9,7 @@
 namespace validator {
 
 extern const std::vector<RunnableCheck> libraryChecks;
+extern const std::vector<ComponentCheck> cachewriteChecks;
 extern const std::vector<ComponentCheck> durationChecks;
 extern const std::vector<ComponentCheck> entropyChecks;
 extern const std::vector<ComponentCheck> facerectChecks;
@@ -18,6 +19,8 @@ extern const std::vector<ComponentCheck> keyframesChecks;
 extern const std::vector<ComponentCheck> logsChecks;
 extern const std::vector<ComponentCheck> rankingChecks;
 extern const std::vector<ComponentCheck> recordsChecks;
+extern const std::vector<ComponentCheck> restoreChecks;
+extern const std::vector<ComponentCheck> restoretextChecks;
 extern const std::vector<ComponentCheck> scenesChecks;
 
 }  // namespace validator

@@ -5,8 +5,9 @@ int main(int argumentCount, char** arguments) {
     using namespace validator;
     std::vector<RunnableCheck> checks = libraryChecks;
     for (const auto* const group :
-         {&durationChecks, &entropyChecks, &facerectChecks, &facesChecks, &identityChecks,
-          &keyframesChecks, &logsChecks, &rankingChecks, &recordsChecks, &scenesChecks})
+         {&cachewriteChecks, &durationChecks, &entropyChecks, &facerectChecks, &facesChecks,
+          &identityChecks, &keyframesChecks, &logsChecks, &rankingChecks, &recordsChecks,
+          &restoreChecks, &restoretextChecks, &scenesChecks})
         append(checks, *group);
     return checkerMain(argumentCount, arguments, checks);
 }
