@@ -41,6 +41,7 @@ void FakeHost::reset() {
     const std::lock_guard lock(mutex_);
     faults = Faults();
     geometry = GeometryRules();
+    makeOwningList = nullptr;
     recording = true;
     tasksFinishInsideStart = false;
     startDepth = 0;

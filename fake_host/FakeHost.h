@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/geometry.h"
+#include "host/lists.h"
 
 /// A complete host in memory: every service of host/ works, and can be told to fail.
 ///
@@ -128,6 +129,9 @@ public:
     Faults faults;
     GeometryRules geometry;
     LiveObjects live;
+
+    /// Makes the lists for results instead of the host, where a test needs to see how one is read.
+    std::function<KOR::IKORVoidPtrList*()> makeOwningList;
 
     /// Off: nothing is recorded, so that benchmarks measure the component alone.
     bool recording = true;

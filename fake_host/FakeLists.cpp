@@ -23,5 +23,6 @@ KOR::IKORVoidPtrList* createKORVoidPtrList() {
 }
 
 KOR::IKORVoidPtrList* createKORAutoVoidPtrList() {
+    if (fake_host::host().makeOwningList) return fake_host::host().makeOwningList();
     return makeList<void*>(fake_host::Product::owningList);
 }

@@ -85,8 +85,10 @@ std::optional<Verdict> verdictFrom(const std::string& json) {
                     textAt(document, "found"),
                     textAt(document, "reason"),
                     {}};
-    const auto warnings = document.FindMember("warnings");
-    if (warnings == document.MemberEnd() || !warnings->value.IsArray()) return std::nullopt;
+    // As a constant: iterators of the other kind compare ambiguously since C++20.
+    const auto warnings = std::as_const(document).FindMember("warnings");
+    if (warnings == std::as_const(document).MemberEnd() || !warnings->value.IsArray())
+        return std::nullopt;
     for (const auto& warning : warnings->value.GetArray()) {
         if (!warning.IsString()) return std::nullopt;
         verdict.warnings.emplace_back(warning.GetString(), warning.GetStringLength());

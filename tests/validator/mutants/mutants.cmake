@@ -36,8 +36,9 @@ function(add_component_mutant name)
     $<FILTER:$<TARGET_OBJECTS:material_analysis_objects>,EXCLUDE,/${arg_SOURCE}>)
   target_link_libraries(mutant-${name} PRIVATE host)
   target_include_directories(mutant-${name} SYSTEM PRIVATE ${RapidJSON_INCLUDE_DIRS})
-  target_compile_options(mutant-${name} PRIVATE -ffp-contract=off)
-  target_link_options(mutant-${name} PRIVATE
+  # Nobody debugs a mutant, and there are many.
+  target_compile_options(mutant-${name} PRIVATE -ffp-contract=off -g0)
+  target_link_options(mutant-${name} PRIVATE -Wl,--strip-debug
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/modules/BusinessLayer/MaterialAnalysis/exports.map)
   set_target_properties(mutant-${name} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
