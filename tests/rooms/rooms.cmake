@@ -39,6 +39,7 @@ check_room(host "${standard}|host/")
 check_room(${component} "${standard}|host/|${component}/"
   EXCEPT ${component}/JsonDocument ${component}/ResultCacheText.cpp)
 check_room(dynamic_library "${standard}|dynamic_library/|dlfcn.h$|windows.h$")
+check_room(examples/minimal-host "${standard}|host/|[A-Za-z]+.h$")
 check_room(fake_host "${standard}|host/|fake_host/")
 check_room(validator/check "${standard}|host/|validator/check/|CLI/|rapidjson/|sys/|windows.h$")
 check_room(validator/component
