@@ -8,6 +8,7 @@
 #include "host/media.h"
 #include "host/results.h"
 #include "host/tasks.h"
+#include "host/validation.h"
 #include "host/value.h"
 #include "modules/BusinessLayer/MaterialAnalysis/IKorMaterialAnalysis.h"
 
@@ -26,6 +27,7 @@ struct Functions {
     decltype(&createKORAutoVoidPtrList) createAutoVoidPtrList;
     decltype(&loggerWrapper) logger;
     decltype(&kor_strlen) stringLength;
+    decltype(&createValidationMaterial) createMaterial;
     decltype(&KOR::PathUtil::exists) exists;
     decltype(&KOR::PathUtil::join) join;
     decltype(&KOR::DirUtil::create) createDirectory;

@@ -29,7 +29,7 @@ Function* hostFunction(Function*, const char* name) {
 }
 
 /// The host's service of this name, as its header declares it.
-#define HOST(service) hostFunction(static_cast<decltype(&service)>(nullptr), #service)
+#define HOST(service) hostFunction(static_cast<decltype(&(service))>(nullptr), #service)
 
 /// Makes a component from the library, which finds its services in that of the host.
 Holder<KOR::IKorMaterialAnalysis> makeComponent();

@@ -35,7 +35,7 @@ std::filesystem::path PlainFiles::makePhoto(const std::string& name,
 }
 
 std::filesystem::path PlainFiles::write(const std::string& name, const std::string& bytes) const {
-    const auto file = directory_ / name;
+    auto file = directory_ / name;
     std::ofstream(file, std::ios::binary) << bytes;
     return file;
 }

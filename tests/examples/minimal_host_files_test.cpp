@@ -139,9 +139,9 @@ TEST(MinimalMaterial, RefusesMorePicturesThanAreMeant) {
     const PlainFiles files;
     const std::string header = "YUV4MPEG2 W1 H1 F25:1 Cmono\n";
     const auto file = files.write("a.y4m", header);
-    std::filesystem::resize_file(file, header.size() + 7 * 1'000'000);
+    std::filesystem::resize_file(file, header.size() + std::size_t{7} * 1'000'000);
     EXPECT_NE(import(file), nullptr);
-    std::filesystem::resize_file(file, header.size() + 7 * 1'000'001);
+    std::filesystem::resize_file(file, header.size() + std::size_t{7} * 1'000'001);
     EXPECT_EQ(import(file), nullptr);
 }
 

@@ -55,7 +55,7 @@ protected:
         }
     }
 
-    const PlainFiles files_;
+    PlainFiles files_;
     TaskRecorder listener_;
     Holder<KOR::IKorMaterialAnalysis> component_ = makeComponent();
 };

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -14,6 +15,7 @@ namespace {
 
 using Ticks = std::vector<std::int64_t>;
 constexpr std::int64_t second = KOR::ticksPerSecond;
+constexpr std::int64_t frame = second / 25;
 
 /// A video of so many plain pictures.
 std::filesystem::path plainVideo(const PlainFiles& files, int pictures) {
@@ -84,9 +86,9 @@ TEST(MinimalTask, KeyFramesFollowTheirParameters) {
     EXPECT_EQ(choose({6, 4, 0, 1, 0, 0}, {}), (Ticks{16400000, 49600000, 83200000}))
         << "one for each four seconds started, in the middle of its part";
     EXPECT_EQ(choose({2, 4, 0, 1, 0, 0}, {}).size(), 2U);
-    EXPECT_EQ(choose({6, 4, 0, 1, 10, 0}, {{0, 12 * 400000}}), Ticks{11 * 400000});
-    EXPECT_EQ(choose({6, 4, 0, 1, 0, 11}, {{0, 12 * 400000}}), Ticks{0});
-    EXPECT_EQ(choose({6, 4, 0, 1, 9, 9}, {{0, 12 * 400000}}), Ticks{6 * 400000})
+    EXPECT_EQ(choose({6, 4, 0, 1, 10, 0}, {{0, 12 * frame}}), Ticks{11 * frame});
+    EXPECT_EQ(choose({6, 4, 0, 1, 0, 11}, {{0, 12 * frame}}), Ticks{0});
+    EXPECT_EQ(choose({6, 4, 0, 1, 9, 9}, {{0, 12 * frame}}), Ticks{6 * frame})
         << "margins that leave nothing leave the middle";
     EXPECT_EQ(choose({9, 1, 0, 1, 0, 0}, {{400001, 400002}, {5, 1}, {-9, 1}, {99 * second, 999}}),
               Ticks{0});
@@ -160,6 +162,35 @@ TEST(MinimalTask, FailureTaintsTheSourceFromItsEventOn) {
     KOR::KorValue value{};
     EXPECT_EQ(sourceOf(run.material).getMediaInfo("media_cache", &value), KOR::statusOk);
     EXPECT_STREQ(value.asText, "");
+}
+
+TEST(MinimalTask, FailsWhereTheFileHasBecomeAnother) {
+    const PlainFiles files;
+    const auto file = plainVideo(files, 50);
+    const auto touch = [&] {
+        std::filesystem::last_write_time(
+            file, std::filesystem::last_write_time(file) + std::chrono::seconds(1));
+    };
+    TaskRun before({1}, file);
+    touch();
+    before.finish();
+    EXPECT_EQ(before.recorder.events().front().reason, "the file has changed");
+    TaskRun during({1}, file);
+    during.recorder.inside = [&](const TaskRecorder::Event& event) {
+        if (event.event == KOR::taskEventProgress && event.progress == 0) touch();
+    };
+    during.finish();
+    EXPECT_EQ(during.recorder.milestones(), (Milestones{3, 2}));
+    EXPECT_TRUE(resultsOf<KOR::TickRange>(during.task, 1).empty());
+}
+
+TEST(MinimalTask, FlashBeginsNoScene) {
+    const PlainFiles files;
+    TaskRun run({1}, files.makeVideo("flash.y4m", 100, [](int picture, int, int) {
+        return picture == 50 ? 200 : 90;
+    }));
+    run.finish();
+    EXPECT_EQ(resultsOf<KOR::TickRange>(run.task, 1).size(), 1U);
 }
 
 TEST(MinimalTask, ResultsAreCompleteInsideTheLastEvent) {
@@ -326,15 +357,17 @@ TEST(MinimalTask, LastReferenceMayGoInsideAnyEvent) {
         run.task->addCallBack(&next);
         run.task->setDestroyObserver(&passing);
         std::size_t heard = 0;
+        std::size_t times = 1;
         run.recorder.inside = [&, event = number, at = percent](const TaskRecorder::Event& told) {
             if (told.event != event || told.progress != at) return;
             heard = next.events().size();
+            if (event == KOR::taskEventProgress) times = run.recorder.events().size() + 1;
             run.task.reset();
         };
         KOR::IKorBaseTask* const task = run.task.get();
         EXPECT_EQ(task->start(), KOR::statusOk);
         passing.wait();
-        run.recorder.waitFor(number);
+        run.recorder.waitFor(number, times);
         EXPECT_EQ(next.events().size(), heard) << "the next listener is not told of this event";
     }
 }
