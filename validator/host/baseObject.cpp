@@ -1,6 +1,7 @@
 #include "validator/host/baseObject.h"
 
 #include <algorithm>
+#include <latch>
 #include <string>
 #include <thread>
 
@@ -22,9 +23,12 @@ void expectCountsReferences(Held<KOR::IDmBaseObj> object) {
 
 void expectCountsOnThreads(Held<KOR::IDmBaseObj> object) {
     constexpr int times = 20000;
+    constexpr int count = 4;
+    std::latch areReady(count);
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < count; ++i) {
         threads.emplace_back([&] {
+            areReady.arrive_and_wait();
             for (int n = 0; n < times; ++n)
                 object->addRef();
             for (int n = 0; n < times; ++n)

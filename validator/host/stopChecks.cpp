@@ -159,6 +159,7 @@ void insideFailed(HostLibrary& host) {
         run.task->stop();
     });
     run.finish();
+    letTimePass(host);
     expectEqual("the events of a run that is stopped inside event 3", run.listener.milestones(),
                 Milestones{3, 4});
 }
