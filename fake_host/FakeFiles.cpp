@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "fake_host/FakeHost.h"
+#include "fake_host/paths.h"
 #include "host/files.h"
 
 namespace KOR {
@@ -18,7 +19,7 @@ const std::string& Path::string() const {
 
 bool PathUtil::exists(const Path& path) {
     std::error_code error;
-    return std::filesystem::exists(path.string(), error);
+    return std::filesystem::exists(fake_host::pathOf(path.string()), error);
 }
 
 Path PathUtil::join(const Path& base, const Path& tail) {
@@ -35,15 +36,17 @@ bool DirUtil::create(const Path& path) {
     ++fake_host::host().directoriesMade;
     if (fake_host::host().faults.directoriesFail) return false;
     std::error_code error;
-    std::filesystem::create_directories(path.string(), error);
-    return std::filesystem::is_directory(path.string(), error);
+    const std::filesystem::path directory = fake_host::pathOf(path.string());
+    std::filesystem::create_directories(directory, error);
+    return std::filesystem::is_directory(directory, error);
 }
 
 bool FileUtil::remove(const Path& path) {
     if (fake_host::host().faults.removalsFail) return false;
     std::error_code error;
-    if (std::filesystem::is_directory(path.string(), error)) return false;
-    return std::filesystem::remove(path.string(), error);
+    const std::filesystem::path file = fake_host::pathOf(path.string());
+    if (std::filesystem::is_directory(file, error)) return false;
+    return std::filesystem::remove(file, error);
 }
 
 std::vector<std::string> StringUtil::split(const std::string& text, char separator) {

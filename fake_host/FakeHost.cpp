@@ -1,10 +1,11 @@
 #include "fake_host/FakeHost.h"
 
-#include <cstdlib>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "fake_host/FakeTask.h"
+#include "fake_host/paths.h"
 
 namespace fake_host {
 
@@ -29,6 +30,11 @@ bool Faults::nextMakingFails(Product product) {
 
 bool Faults::appendsFail(Product list) const {
     return products_.at(static_cast<std::size_t>(list)).appendsFail;
+}
+
+FakeHost::~FakeHost() {
+    std::error_code error;
+    if (!directory_.empty()) std::filesystem::remove_all(directory_, error);
 }
 
 void FakeHost::reset() {
@@ -122,11 +128,7 @@ void FakeHost::finishAllTasks() const {
 
 std::filesystem::path FakeHost::directory() {
     const std::lock_guard lock(mutex_);
-    if (directory_.empty()) {
-        std::string name = std::filesystem::temp_directory_path() / "fake-host-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        directory_ = name;
-    }
+    if (directory_.empty()) directory_ = makeTemporaryDirectory();
     return directory_;
 }
 

@@ -85,6 +85,11 @@ struct GeometryRules {
 
 class FakeHost {
 public:
+    FakeHost() = default;
+    ~FakeHost();
+    FakeHost(const FakeHost&) = delete;
+    FakeHost& operator=(const FakeHost&) = delete;
+
     /// Forgets everything and makes all services work again. Objects that still live stay valid.
     void reset();
 
@@ -117,7 +122,7 @@ public:
     /// Finishes running tasks until none runs any more.
     void finishAllTasks() const;
 
-    /// A directory of this test's own, which reset() deletes.
+    /// A directory of this test's own, which reset() or the end of the program deletes.
     std::filesystem::path directory();
 
     Faults faults;

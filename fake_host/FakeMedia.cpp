@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "fake_host/FakeHost.h"
+#include "fake_host/paths.h"
 
 namespace fake_host {
 
@@ -23,7 +24,7 @@ MediaSpec& MediaSpec::sourceType(std::uint32_t code) {
 }
 
 MediaSpec& MediaSpec::cacheIn(const std::filesystem::path& directory) {
-    mediaCache = directory.string();
+    mediaCache = utf8Of(directory);
     return *this;
 }
 

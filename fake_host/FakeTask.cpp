@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -46,6 +47,13 @@ std::string blockText(std::int32_t type, const void* block) {
     std::memcpy(values.data(), block, sizeof(KOR::KeyFrameParameters));
     return joined(values);
 }
+
+struct FreeBlock {
+    void operator()(void* block) const { ::operator delete(block); }
+};
+
+/// What a list of results takes over as one element.
+using Block = std::unique_ptr<void, FreeBlock>;
 
 /// Counts a start that has not returned yet, without the task, which may be gone by then.
 class OpenStart {
@@ -240,15 +248,13 @@ template <typename Result>
 KOR::Status FakeTask::appendCopies(const std::vector<Result>& results,
                                    KOR::IKORVoidPtrList& list) const {
     for (std::size_t i = 0; i < results.size(); ++i) {
-        void* copy = nullptr;
+        Block copy;
         if (lostElements_.count(i) == 0) {
-            copy = ::operator new(sizeof(Result));
-            std::memcpy(copy, &results[i], sizeof(Result));
+            copy.reset(::operator new(sizeof(Result)));
+            std::memcpy(copy.get(), &results[i], sizeof(Result));
         }
-        if (list.append(copy) == KOR::statusFailed) {
-            ::operator delete(copy);
-            return KOR::statusFailed;
-        }
+        if (list.append(copy.get()) == KOR::statusFailed) return KOR::statusFailed;
+        copy.release();
     }
     return KOR::statusOk;
 }

@@ -2,8 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <fstream>
-#include <sstream>
 
 namespace fake_host {
 
@@ -31,13 +29,6 @@ std::string asText(double value) {
     std::string text(buffer.data(), end.ptr);
     if (text.find_first_of(".einf") == std::string::npos) text += ".0";
     return text;
-}
-
-std::string contentOf(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
 }
 
 }  // namespace fake_host

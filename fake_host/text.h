@@ -27,7 +27,4 @@ std::string joined(const std::vector<Number>& numbers) {
     return text;
 }
 
-/// Returns the whole content of a file; empty when it cannot be read.
-std::string contentOf(const std::string& file);
-
 }  // namespace fake_host

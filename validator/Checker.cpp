@@ -28,7 +28,7 @@ std::string beginningOf(const std::filesystem::path& file) {
 std::string lastWords(const std::filesystem::path& output) {
     constexpr std::size_t most = 400;
     std::string text = beginningOf(output);
-    while (!text.empty() && text.back() == '\n')
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
         text.pop_back();
     if (text.empty()) return "";
     const std::size_t length = std::min(text.size(), most);

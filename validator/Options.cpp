@@ -52,6 +52,7 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     CLI::App app("Judges both sides of the contract between MaterialAnalysis and its host.",
                  "material-analysis-validator");
     app.set_version_flag("--version", "material-analysis-validator " VALIDATOR_VERSION);
+    app.allow_windows_style_options(false);  // a path may begin with "/" there, too
     app.require_subcommand(1);
     app.footer("Exit status: 0 when no check fails, 1 when one fails or crashes, 2 for wrong use.");
     CLI::App& component = *app.add_subcommand("component", "Judge a build of the component");

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "fake_host/text.h"
+#include "fake_host/paths.h"
 #include "tests/support/ComponentTest.h"
 
 namespace fake_host {
@@ -79,7 +79,7 @@ protected:
         journal();
         EXPECT_TRUE(restore());
         EXPECT_EQ(trace(), linesWith(""));
-        EXPECT_EQ(contentOf(file().string()), content);
+        EXPECT_EQ(contentOf(file()), content);
         const Records all = probe().results();
         return {all.begin() + before, all.end()};
     }

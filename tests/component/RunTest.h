@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "fake_host/paths.h"
 #include "fake_host/text.h"
 #include "tests/support/ComponentTest.h"
 
@@ -55,7 +56,7 @@ protected:
 
     /// The result file of the material whose cache is this test's directory; empty without one.
     static std::string resultFile() {
-        return contentOf((host().directory() / "analysis" / "result.json").string());
+        return contentOf(host().directory() / "analysis" / "result.json");
     }
 
     RecordingListener listener;

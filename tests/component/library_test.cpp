@@ -1,8 +1,5 @@
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-#include <set>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -81,6 +78,18 @@ TEST_F(Library, RunsOnWhateverHostTheProgramHas) {
     EXPECT_EQ(host().complaints(), std::vector<std::string>());
 }
 
+TEST_F(Library, HandsOnWhatAServiceThrows) {
+    auto analysis = create();
+    const Owned<FakeMedia> clip(new FakeMedia(video("clip.mp4", 1000000000)));
+    clip->onTypeQuery = [] { throw std::bad_alloc(); };
+    {
+        const Owned<KOR::IKORVoidPtrList> materials(createKORVoidPtrList());
+        materials->append(asElement(*clip));
+        EXPECT_EQ(analysis->insertMaterials(materials.get(), 0), KOR::statusOk);
+    }
+    EXPECT_THROW(analysis->start(), std::bad_alloc);
+}
+
 TEST_F(Library, KeysCanBeReadByTheirNames) {
     EXPECT_EQ(key("_ZN3KOR16analysisParamKey17minScenceDurationE"), "minScenceDuration");
     EXPECT_EQ(key("_ZN3KOR16analysisParamKey24scenceDetectionThresholdE"),
@@ -88,42 +97,6 @@ TEST_F(Library, KeysCanBeReadByTheirNames) {
     EXPECT_EQ(key("_ZN3KOR16analysisParamKey23minNeedAnalysisDuartionE"),
               "minNeedAnalysisDuartion");
     EXPECT_EQ(key("_ZN3KOR16analysisParamKey17photoNeedAnalysisE"), "photoNeedAnalysis");
-}
-
-/// What a command prints, line by line.
-std::vector<std::string> linesOf(const char* command) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command, "r"), pclose);
-    std::vector<std::string> lines;
-    std::string line(4096, '\0');
-    while (pipe && std::fgets(line.data(), static_cast<int>(line.size()), pipe.get()) != nullptr)
-        lines.emplace_back(line.data());
-    return lines;
-}
-
-/// The names that the library defines for others, as the binary utilities list them.
-std::set<std::string> exportedSymbols() {
-    std::set<std::string> names;
-    for (const auto& line :
-         linesOf("nm -D --defined-only --format=posix " MATERIAL_ANALYSIS_LIBRARY))
-        names.insert(line.substr(0, line.find(' ')));
-    return names;
-}
-
-TEST(LibraryFile, ExportsTheFactoryAndTheKeysOnly) {
-    EXPECT_EQ(exportedSymbols(),
-              (std::set<std::string>{"createMaterialAnalysis",
-                                     "_ZN3KOR16analysisParamKey17minScenceDurationE",
-                                     "_ZN3KOR16analysisParamKey24scenceDetectionThresholdE",
-                                     "_ZN3KOR16analysisParamKey23minNeedAnalysisDuartionE",
-                                     "_ZN3KOR16analysisParamKey17photoNeedAnalysisE"}));
-}
-
-TEST(LibraryFile, HasTheNumberOfItsBinaryContract) {
-    std::string name;
-    for (const auto& line : linesOf("readelf --dynamic --wide " MATERIAL_ANALYSIS_LIBRARY)) {
-        if (line.find("(SONAME)") != std::string::npos) name = line.substr(line.find('['));
-    }
-    EXPECT_EQ(name, "[libMaterialAnalysis.so.1]\n");
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include <clocale>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <locale>
@@ -9,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "fake_host/faces.h"
+#include "tests/component/GermanLocale.h"
 #include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
 
@@ -25,11 +25,7 @@ protected:
 
 class Locale : public RunTest {
 protected:
-    ~Locale() override {
-        std::locale::global(std::locale::classic());
-        std::setlocale(LC_ALL, "C");
-        unsetenv("LOCPATH");
-    }
+    ~Locale() override { std::locale::global(std::locale::classic()); }
 
     /// Everything that a run with many digits says and writes, and one that reads what it wrote.
     Lines traceOfRuns() {
@@ -78,25 +74,13 @@ TEST_F(Locale, OfTheStreamsReadsNumbersAsTheyAreWritten) {
     EXPECT_EQ(probe().results()[1].score, 0.0);
 }
 
-/// Switches the C library to German, if need be with a locale compiled into `directory`.
-bool speakGerman(const std::filesystem::path& directory) {
-    for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE"}) {
-        if (std::setlocale(LC_ALL, name) != nullptr) return true;
-    }
-    const std::string target = (directory / "de_DE.UTF-8").string();
-    const std::string command = "localedef -i de_DE -f UTF-8 '" + target + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0) return false;
-    setenv("LOCPATH", directory.c_str(), 1);
-    return std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-}
-
 TEST_F(Locale, OfTheCLibraryChangesNothing) {
     useKinds({6, 4, 3, 7});
     const Lines plain = traceOfRuns();
-    if (!speakGerman(host().directory())) GTEST_SKIP() << "no locale with decimal commas";
+    const GermanLocale german(host().directory());
+    if (!german.isSpoken()) GTEST_SKIP() << "no locale with decimal commas";
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
-    const Lines german = traceOfRuns();
-    EXPECT_EQ(german, plain);
+    EXPECT_EQ(traceOfRuns(), plain);
 }
 
 }  // namespace

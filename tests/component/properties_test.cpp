@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
+#include "fake_host/paths.h"
 #include "fake_host/text.h"
 #include "host/files.h"
 #include "tests/component/PropertyCase.h"
@@ -223,8 +224,8 @@ RC_GTEST_PROP(ResultFileProperty, ReadsBackToTheSameValues, ()) {
         pointers.push_back(&one);
     RC_ASSERT(run.probe().saveMaterialAnalysisResult(&material, pointers));
 
-    const auto root = nlohmann::ordered_json::parse(
-        contentOf((host().directory() / "analysis" / "result.json").string()));
+    const auto root =
+        nlohmann::ordered_json::parse(contentOf(host().directory() / "analysis" / "result.json"));
     std::string joinedKinds = joined(kinds);
     std::erase(joinedKinds, ' ');
     RC_ASSERT(root.size() == 5U);

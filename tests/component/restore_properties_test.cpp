@@ -4,11 +4,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,6 +14,7 @@
 #include <nlohmann/json.hpp>
 #include <rapidcheck/gtest.h>
 
+#include "fake_host/paths.h"
 #include "fake_host/text.h"
 #include "tests/component/PropertyCase.h"
 #include "tests/support/ComponentTest.h"
@@ -99,18 +98,13 @@ struct Settings {
 /// A directory that outlives the host of one case, with one material's result file.
 class Directory {
 public:
-    Directory() {
-        std::string name = std::filesystem::temp_directory_path() / "restore-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        path_ = name;
-        std::filesystem::create_directory(path_ / "analysis");
-    }
+    Directory() { std::filesystem::create_directory(path_ / "analysis"); }
     ~Directory() { std::filesystem::remove_all(path_); }
     Directory(const Directory&) = delete;
     Directory& operator=(const Directory&) = delete;
 
     std::filesystem::path file() const { return path_ / "analysis" / "result.json"; }
-    std::string content() const { return contentOf(file().string()); }
+    std::string content() const { return contentOf(file()); }
 
     void put(const std::string& text) const { std::ofstream(file(), std::ios::binary) << text; }
 
@@ -149,7 +143,7 @@ public:
     }
 
 private:
-    std::filesystem::path path_;
+    const std::filesystem::path path_ = makeTemporaryDirectory();
 };
 
 std::uint64_t bitsOf(double value) {

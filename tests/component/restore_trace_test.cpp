@@ -23,8 +23,8 @@ protected:
         return host().directory() / name;
     }
 
-    static std::string fileOf(const std::string& name) {
-        return (directoryOf(name) / "analysis" / "result.json").string();
+    static std::filesystem::path fileOf(const std::string& name) {
+        return directoryOf(name) / "analysis" / "result.json";
     }
 
     static void put(const std::string& name, const std::string& content) {

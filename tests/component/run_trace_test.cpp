@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/component/RunTest.h"
+#include "tests/support/storedText.h"
 
 namespace fake_host {
 namespace {
@@ -46,7 +47,7 @@ log finishedAllAnalysis: "fileName: clip.mp4 begin: 0 end: 400000000 keyframe po
 log finishedAllAnalysis: "fileName: clip.mp4 begin: 410000000 end: 1000000000 keyframe pos: 600000000 socre: 0.177 face rect: {0000} \n"
 listener: event 2, 100
 )");
-    EXPECT_EQ(resultFile(), R"({
+    EXPECT_EQ(resultFile(), stored(R"({
     "version": "1.0.0.1",
     "analysisTypes": "4,3",
     "minScenceDuration": 2,
@@ -67,7 +68,7 @@ listener: event 2, 100
             "faceRectOfPhoto": "0.000000,0.000000,0.000000,0.000000"
         }
     ]
-})");
+})"));
     const auto results = probe().results();
     ASSERT_EQ(results.size(), 2U);
     EXPECT_EQ(results[0].score, (400000001.0 * 0.3) / 1000000000.0);
@@ -266,7 +267,7 @@ log finishedAllAnalysis: "fileName: next.mp4 begin: 0 end: 150000000 keyframe po
 log finishedAllAnalysis: "fileName: next.mp4 begin: 150000000 end: 300000000 keyframe pos: 450000000 socre: 0.36 face rect: {0000} \n"
 listener: event 2, 100
 )");
-    EXPECT_EQ(resultFile(), R"({
+    EXPECT_EQ(resultFile(), stored(R"({
     "version": "1.0.0.1",
     "analysisTypes": "3,4",
     "minScenceDuration": 2,
@@ -287,7 +288,7 @@ listener: event 2, 100
             "faceRectOfPhoto": "0.000000,0.000000,0.000000,0.000000"
         }
     ]
-})");
+})"));
 }
 
 TEST_F(RunTrace, OfPhotosShortAndLongVideos) {

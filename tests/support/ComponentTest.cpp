@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "fake_host/paths.h"
+
 namespace fake_host {
 
 Owned<KOR::IKORIntList> intList(const std::vector<std::int32_t>& values) {
@@ -74,7 +76,7 @@ void ComponentTest::runToEnd() {
 }
 
 Lines ComponentTest::journal() {
-    const std::string directory = host().directory().string();
+    const std::string directory = utf8Of(host().directory());
     Lines lines = host().takeJournal();
     for (std::string& line : lines) {
         const std::size_t at = line.find(directory);

@@ -23,12 +23,14 @@ bool read(const char* digits, const char* end, Number& number) {
 bool readExtreme(const char* digits, const char* end, double& number) {
     std::istringstream stream(std::string(digits, end));
     stream.imbue(std::locale::classic());
+    // Without memory the number is not refused: left alone, the stream would say no more than that.
+    stream.exceptions(std::ios_base::badbit);
     return static_cast<bool>(stream >> number);
 }
 
 /// A document that the parser hands its numbers to as texts. The parser's own way to exact doubles
 /// has no defined result for a zero with a large exponent.
-class ExactDocument : public rapidjson::Document {
+class ExactDocument : public JsonDocument {
 public:
     bool RawNumber(const char* digits, rapidjson::SizeType length, bool /*copy*/) {
         const char* const end = digits + length;
@@ -40,19 +42,19 @@ public:
 
 }  // namespace
 
-std::optional<rapidjson::Document> parseJson(const std::string& text) {
+std::optional<JsonDocument> parseJson(const std::string& text) {
     constexpr unsigned flags =
         rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;
     ExactDocument document;
-    rapidjson::Reader reader;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonMemory> reader;
     rapidjson::StringStream stream(text.c_str());
-    auto parseInto = [&](rapidjson::Document& /*the same*/) {
+    auto parseInto = [&](JsonDocument& /*the same*/) {
         return !reader.Parse<flags>(stream, document).IsError();
     };
     document.Populate(parseInto);
     // A zero byte in the text has ended the parsing.
     if (reader.HasParseError() || stream.Tell() != text.size()) return std::nullopt;
-    return std::move(static_cast<rapidjson::Document&>(document));
+    return std::move(static_cast<JsonDocument&>(document));
 }
 
 }  // namespace KOR

@@ -17,7 +17,10 @@ LogLine::LogLine(const LogSource& source) {
     if (logger == nullptr || !logger->testSeverity(IBsLogger::info)) return;
     stream_ =
         logger->createLogStream(IBsLogger::info, sourceUnit, source.line, source.function, "");
-    if (stream_ != nullptr) text_.emplace().imbue(std::locale::classic());
+    if (stream_ == nullptr) return;
+    text_.emplace().imbue(std::locale::classic());
+    // Left alone, a stream that finds no memory says nothing and cuts the text short.
+    text_->exceptions(std::ios_base::badbit);
 }
 
 LogLine::~LogLine() {

@@ -41,12 +41,22 @@ private:
     std::optional<std::ostringstream> text_;  // costly to make, even for nothing
 };
 
+/// Writes nothing for a null text, which a stream takes for a failure.
+inline void putPart(std::ostream& stream, const char* text) {
+    if (text != nullptr) stream << text;
+}
+
+template <typename Part>
+void putPart(std::ostream& stream, const Part& part) {
+    stream << part;
+}
+
 /// Writes one line: the parts one after another, as a stream formats them.
 template <typename... Parts>
 void logLine(const LogSource& source, const Parts&... parts) {
     LogLine line(source);
     if (!line) return;
-    (line.text() << ... << parts);
+    (putPart(line.text(), parts), ...);
     line.write();
 }
 

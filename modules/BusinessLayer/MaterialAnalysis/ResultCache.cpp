@@ -36,16 +36,27 @@ const char* mediaCacheOf(IDmBaseMedia* media, const char* function) {
 /// 300,000 records as they are written.
 constexpr std::uintmax_t longestTextBytes = 64 << 20;
 
+/// Returns the file that `path` names. The empty path, which opens nothing, where the text is no
+/// UTF-8 and the system's names cannot be without.
+std::filesystem::path fileAt(const Path& path) {
+    const std::string& text = path.string();
+    try {
+        return std::u8string(text.begin(), text.end());
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
 /// Whether something stands at `file` whose opening could wait or act: a directory, a pipe, a
 /// device.
-bool isNoRegularFile(const std::string& file) {
+bool isNoRegularFile(const std::filesystem::path& file) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(file, error);
     return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 }
 
 /// Returns the text in `file`; nothing where it does not open.
-std::optional<std::string> textIn(const std::string& file) {
+std::optional<std::string> textIn(const std::filesystem::path& file) {
     std::error_code error;
     const std::uintmax_t sizeBytes = std::filesystem::file_size(file, error);
     if (error || isNoRegularFile(file)) return std::nullopt;
@@ -77,7 +88,7 @@ bool KorMaterialAnalysis::restoreMaterialAnalysisResult(IDmBaseMedia* media) {
         FileUtil::remove(file);
         return false;
     };
-    const std::optional<std::string> text = textIn(file.string());
+    const std::optional<std::string> text = textIn(fileAt(file));
     if (!text) return reject("analysisCachePath open failed");
     const ResultCacheReading reading = readResultCache(*text, resultCacheHeader());
     if (reading.rejection != nullptr) return reject(reading.rejection);
@@ -110,10 +121,11 @@ bool KorMaterialAnalysis::saveMaterialAnalysisResult(
 
     // Complete in memory before the file is opened: what fails until then leaves the file alone.
     const std::string text = resultCacheText(resultCacheHeader(), results);
-    const Path file = PathUtil::join(directory, Path("/result.json"));
-    logLine(function, "write analysisCachePath: ", file.string());
+    const Path path = PathUtil::join(directory, Path("/result.json"));
+    logLine(function, "write analysisCachePath: ", path.string());
+    const std::filesystem::path file = fileAt(path);
     std::ofstream stream;
-    if (!isNoRegularFile(file.string())) stream.open(file.string());
+    if (!isNoRegularFile(file)) stream.open(file);
     if (!stream.is_open()) {
         logLine(function, "analysisCachePath open failed");
         return false;

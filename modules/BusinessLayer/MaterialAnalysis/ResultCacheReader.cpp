@@ -14,7 +14,7 @@ namespace KOR {
 
 namespace {
 
-using rapidjson::Value;
+using Value = JsonValue;
 
 constexpr const char* invalid = "cache result invalidate";
 
@@ -146,7 +146,7 @@ ResultCacheReading readResults(const Value* list) {
 }  // namespace
 
 ResultCacheReading readResultCache(const std::string& text, const ResultCacheHeader& expected) {
-    const std::optional<rapidjson::Document> root = parseJson(text);
+    const std::optional<JsonDocument> root = parseJson(text);
     if (!root || !root->IsObject()) return {.rejection = invalid, .results = {}};
     if (const char* const why = rejectHeader(*root, expected)) {
         return {.rejection = why, .results = {}};

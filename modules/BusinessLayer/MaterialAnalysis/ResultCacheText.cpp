@@ -4,12 +4,14 @@
 #include <rapidjson/stringbuffer.h>
 
 #include "modules/BusinessLayer/MaterialAnalysis/FixedText.h"
+#include "modules/BusinessLayer/MaterialAnalysis/JsonMemory.h"
 
 namespace KOR {
 
 namespace {
 
-using Writer = rapidjson::PrettyWriter<rapidjson::StringBuffer>;
+using Buffer = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, JsonMemory>;
+using Writer = rapidjson::PrettyWriter<Buffer, rapidjson::UTF8<>, rapidjson::UTF8<>, JsonMemory>;
 
 std::string rectText(const KorRect& rect) {
     return fixedText(rect.x) + "," + fixedText(rect.y) + "," + fixedText(rect.width) + "," +
@@ -44,7 +46,7 @@ std::string joinedKinds(const std::vector<std::int32_t>& analysisKinds) {
 
 std::string resultCacheText(const ResultCacheHeader& header,
                             const std::vector<const MaterialAnalysisResult*>& results) {
-    rapidjson::StringBuffer text;
+    Buffer text;
     Writer writer(text);
     writer.StartObject();
     writer.Key("version");
