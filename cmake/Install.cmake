@@ -15,7 +15,7 @@ endif()
 
 if(MATERIAL_ANALYSIS_VALIDATOR)
   install(TARGETS material-analysis-validator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(TARGETS material-analysis-component-checks
+  install(TARGETS material-analysis-component-checks material-analysis-host-checks
     RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/MaterialAnalysis)
 endif()
 

@@ -45,6 +45,8 @@ check_room(host_kit "${standard}|host/|host_kit/")
 check_room(validator/check "${standard}|host/|validator/check/|CLI/|rapidjson/|sys/|windows.h$")
 check_room(validator/component
   "${standard}|host/|fake_host/|dynamic_library/|validator/check/|validator/component/|${component}/IKorMaterialAnalysis.h")
+check_room(validator/host
+  "${standard}|host/|dynamic_library/|validator/check/|validator/host/")
 check_room(validator
   "${standard}|validator/|CLI/|rapidjson/|[a-z]+.h$|sys/"
   EXCEPT validator/check validator/component validator/host)

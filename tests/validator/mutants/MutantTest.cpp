@@ -22,7 +22,11 @@ std::ostream& operator<<(std::ostream& out, const Mutant& mutant) {
 }
 
 const std::vector<Mutant> componentMutants = {
-#include "mutants.inc"
+#include "componentMutants.inc"
+};
+
+const std::vector<Mutant> hostMutants = {
+#include "hostMutants.inc"
 };
 
 std::string identifier(const ::testing::TestParamInfo<Mutant>& info) {
@@ -70,6 +74,18 @@ INSTANTIATE_TEST_SUITE_P(Mutants, ComponentMutant, ::testing::ValuesIn(component
 
 TEST(ComponentChecks, AreEachFailedByAMutant) {
     EXPECT_EQ(neverFailing(componentMutants, Side::component), std::vector<std::string>());
+}
+
+class HostMutant : public ::testing::TestWithParam<Mutant> {};
+
+TEST_P(HostMutant, IsCaughtByTheChecksItNames) {
+    EXPECT_EQ(checksThatMiss(GetParam(), Side::host), std::vector<std::string>());
+}
+
+INSTANTIATE_TEST_SUITE_P(Mutants, HostMutant, ::testing::ValuesIn(hostMutants), identifier);
+
+TEST(HostChecks, AreEachFailedByAMutant) {
+    EXPECT_EQ(neverFailing(hostMutants, Side::host), std::vector<std::string>());
 }
 
 }  // namespace

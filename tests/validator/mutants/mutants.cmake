@@ -44,3 +44,43 @@ function(add_component_mutant name)
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
   note_mutant(component_mutants ${name} arg_CAUGHT_BY)
 endfunction()
+
+# The sources of the plain host that a header of it is part of.
+set(host_sources_of_Channel.h Task.cpp)
+set(host_sources_of_Clip.h Task.cpp analyse.cpp materials.cpp)
+set(host_sources_of_Counted.h Task.cpp materials.cpp services.cpp)
+set(host_sources_of_analyse.h Task.cpp analyse.cpp)
+
+# add_host_mutant(NAME
+#   SOURCE    a source or header of the plain host, by its name
+#   REPLACE   a place in it, as [[...]]
+#   BY        what stands there instead, as [[...]]
+#   CAUGHT_BY the ids of checks that have to fail; without it, there is no fault)
+function(add_host_mutant name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY")
+  set(room tests/validator/plain_host)
+  set(directory ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  write_mutated_source(${name} ${room}/${arg_SOURCE} "${arg_REPLACE}" "${arg_BY}"
+    ${directory}/${arg_SOURCE})
+  set(sources ${arg_SOURCE})
+  if(DEFINED host_sources_of_${arg_SOURCE})
+    # A header is looked for beside the source that includes it first.
+    set(sources ${host_sources_of_${arg_SOURCE}})
+    file(GLOB files RELATIVE ${PROJECT_SOURCE_DIR}/${room} ${PROJECT_SOURCE_DIR}/${room}/*.h)
+    list(REMOVE_ITEM files ${arg_SOURCE})
+    foreach(file IN LISTS files sources)
+      configure_file(${PROJECT_SOURCE_DIR}/${room}/${file} ${directory}/${file} COPYONLY)
+    endforeach()
+  endif()
+  list(JOIN sources "|" replaced)
+  list(TRANSFORM sources PREPEND ${directory}/)
+  add_library(mutant-${name} MODULE ${sources}
+    "$<FILTER:$<TARGET_OBJECTS:plain_host>,EXCLUDE,/(${replaced})[.]o$>")
+  target_include_directories(mutant-${name} PRIVATE ${PROJECT_SOURCE_DIR}/${room})
+  target_link_libraries(mutant-${name} PRIVATE host Threads::Threads)
+  set_target_properties(mutant-${name} PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
+  if(arg_CAUGHT_BY)
+    note_mutant(host_mutants ${name} arg_CAUGHT_BY)
+  endif()
+endfunction()
