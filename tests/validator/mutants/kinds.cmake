@@ -6,7 +6,7 @@ add_component_mutant(face-asks-for-entropy
   BY [[            return {analysisTypeEntropy};]]
   CAUGHT_BY kinds.ask-for-their-types kinds.tasks-in-order-of-list)
 
-add_component_mutant(keyframes-before-scenes
+add_component_mutant(kinds-keyframes-before-scenes
   SOURCE TaskLaunch.cpp
   REPLACE [[            return {analysisTypeScene, analysisTypeKeyFrame};]]
   BY [[            return {analysisTypeKeyFrame, analysisTypeScene};]]

@@ -15,7 +15,7 @@ add_component_mutant(listener-added-once
     entries_.push_back(]]
   CAUGHT_BY listeners.added-twice-are-told-twice)
 
-add_component_mutant(one-entry-removed
+add_component_mutant(listeners-one-entry-removed
   SOURCE ListenerList.cpp
   REPLACE [[    entries_.remove_if([&listener](const Entry& entry) {
         if (]]

@@ -85,9 +85,9 @@ add_component_mutant(restoretext-no-carriage-return
 
 add_component_mutant(restoretext-nothing-is-no-records
   SOURCE ResultCacheReader.cpp
-  REPLACE [[    const std::optional<rapidjson::Document> root]]
+  REPLACE [[    const std::optional<JsonDocument> root]]
   BY [[    if (text.find_first_not_of(" \t\r\n") == std::string::npos) return {};
-    const std::optional<rapidjson::Document> root]]
+    const std::optional<JsonDocument> root]]
   CAUGHT_BY restoretext.nothing-at-all restoretext.truncated)
 
 add_component_mutant(restoretext-last-brace-supplied
@@ -122,10 +122,10 @@ add_component_mutant(restoretext-trailing-commas
 
 add_component_mutant(restoretext-missing-number-is-0
   SOURCE ResultCacheReader.cpp
-  REPLACE [[    const std::optional<rapidjson::Document> root = parseJson(text);]]
+  REPLACE [[    const std::optional<JsonDocument> root = parseJson(text);]]
   BY [[    std::string repaired = text;
     if (const auto at = text.find(": ,"); at != std::string::npos) repaired.insert(at + 1, "0");
-    const std::optional<rapidjson::Document> root = parseJson(repaired);]]
+    const std::optional<JsonDocument> root = parseJson(repaired);]]
   CAUGHT_BY restoretext.number-left-out)
 
 add_component_mutant(restoretext-any-root

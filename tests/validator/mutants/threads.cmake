@@ -22,7 +22,7 @@ add_component_mutant(last-release-leaks-elsewhere
   BY [[    if (gettid() == getpid()) delete this;]]
   CAUGHT_BY threads.is-released-elsewhere)
 
-add_component_mutant(one-component-for-all
+add_component_mutant(threads-one-component-for-all
   SOURCE RunDriver.cpp
   REPLACE [[    cancelled.exchange(0);]]
   BY [[    static const void* const only = this;

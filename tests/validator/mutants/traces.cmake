@@ -1,6 +1,6 @@
 # Faults that show in whole runs over videos.
 
-add_component_mutant(entropy-before-faces
+add_component_mutant(traces-entropy-before-faces
   SOURCE PictureIntake.cpp
   REPLACE [[    Status status = faceDetectFinished(task);
     if (!isPhotoMaterial(currentMaterial()) && entropyCalculateFinished(task) == statusFailed) {
