@@ -26,7 +26,7 @@ Verdict verdictOn(const std::string& id, const Options& options = someOptions())
 
 TEST(Checker, ListsAllChecksInOrder) {
     const auto checks = Checker(ODD_CHECKS).list();
-    ASSERT_EQ(checks.size(), 15U);
+    ASSERT_EQ(checks.size(), 18U);
     EXPECT_EQ(checks[0].id, "odd.passes");
     EXPECT_EQ(checks[0].claim, "Nothing is wrong.");
     EXPECT_EQ(checks[1].id, "odd.fails");
@@ -97,6 +97,13 @@ TEST(Checker, TrustsNoPassOfAProcessThatCrashesAfterwards) {
 
 TEST(Checker, KeepsAFailureWhateverFollows) {
     EXPECT_EQ(verdictOn("odd.fails-and-crashes").outcome, Outcome::fail);
+}
+
+TEST(Checker, KeepsAFailureThatTheSubjectDoesNotSurvive) {
+    const Verdict verdict = verdictOn("odd.fails-before-its-subject-crashes");
+    EXPECT_EQ(verdict.outcome, Outcome::fail);
+    EXPECT_EQ(verdict.found, "not well");
+    EXPECT_EQ(verdictOn("odd.passes-before-its-subject-crashes").outcome, Outcome::crash);
 }
 
 TEST(Checker, EndsACheckThatHangs) {

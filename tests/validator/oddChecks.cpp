@@ -19,6 +19,18 @@ namespace {
         std::this_thread::sleep_for(std::chrono::hours(1));
 }
 
+/// What a check is about, and does not survive its end.
+struct Fragile {
+    explicit Fragile(const Occasion&) {}
+    ~Fragile() { std::abort(); }
+};
+
+const std::vector<Check<Fragile>> fragileChecks = {
+    {"odd.fails-before-its-subject-crashes", "What fails is well.",
+     [](Fragile&) { fail("it", "well", "not well"); }},
+    {"odd.passes-before-its-subject-crashes", "The subject ends well.", [](Fragile&) {}},
+};
+
 const std::vector<RunnableCheck> checks = {
     {"odd.passes", "Nothing is wrong.", [](const Occasion&) {}},
     {"odd.fails", "One is two.", [](const Occasion&) { expectEqual("one", 1, 2); }},
@@ -62,6 +74,12 @@ const std::vector<RunnableCheck> checks = {
          std::ofstream(occasion.scratch / "left") << "left";
          std::ofstream(std::filesystem::temp_directory_path() / "left, too") << "left";
      }},
+    {"odd.takes-much-memory", "There is no end of memory.",
+     [](const Occasion&) {
+         std::vector<std::vector<char>> blocks;
+         while (true)
+             blocks.emplace_back(1 << 26);
+     }},
     {"odd.tells-its-occasion", "A check knows what it was given.",
      [](const Occasion& occasion) {
          fail(std::to_string(occasion.seed), occasion.library,
@@ -73,5 +91,7 @@ const std::vector<RunnableCheck> checks = {
 }  // namespace validator
 
 int main(int argumentCount, char** arguments) {
-    return validator::checkerMain(argumentCount, arguments, validator::checks);
+    std::vector<validator::RunnableCheck> checks = validator::checks;
+    append(checks, validator::fragileChecks);
+    return validator::checkerMain(argumentCount, arguments, checks);
 }

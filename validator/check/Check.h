@@ -37,13 +37,17 @@ struct RunnableCheck {
     std::function<void(const Occasion&)> run;
 };
 
+/// Does `body`, and writes the verdict at once where that throws a Failure, which goes on: what was
+/// found stays, even if the candidate does not survive the end of the subject.
+void keepFailure(const std::function<void()>& body);
+
 /// Appends `checks` to `all`, each of which makes its own subject.
 template <typename Subject>
 void append(std::vector<RunnableCheck>& all, const std::vector<Check<Subject>>& checks) {
     for (const Check<Subject>& check : checks) {
         all.push_back({check.id, check.claim, [run = check.run](const Occasion& occasion) {
                            Subject subject(occasion);
-                           run(subject);
+                           keepFailure([&] { run(subject); });
                        }});
     }
 }

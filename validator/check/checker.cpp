@@ -36,15 +36,31 @@ Verdict failed(Failure failure) {
     return verdict;
 }
 
+/// Where the verdict of this process is written; empty where it is not.
+std::filesystem::path verdictPath;
+
+bool write(const Verdict& verdict) {
+    std::ofstream file(verdictPath, std::ios::binary);
+    file << toJson(verdict);
+    return static_cast<bool>(file.flush());
+}
+
 int run(const RunnableCheck& check, const Occasion& occasion) {
     limitProcess(occasion.scratch);
-    const Verdict verdict = tried(check, occasion);
-    std::ofstream file(occasion.scratch / verdictFile, std::ios::binary);
-    file << toJson(verdict);
-    return file.flush() ? 0 : 2;
+    verdictPath = occasion.scratch / verdictFile;
+    return write(tried(check, occasion)) ? 0 : 2;
 }
 
 }  // namespace
+
+void keepFailure(const std::function<void()>& body) {
+    try {
+        body();
+    } catch (const Failure& failure) {
+        if (!verdictPath.empty()) write(failed(failure));
+        throw;
+    }
+}
 
 Verdict tried(const RunnableCheck& check, const Occasion& occasion) {
     try {

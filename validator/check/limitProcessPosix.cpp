@@ -11,6 +11,10 @@ void limitProcess(const std::filesystem::path& scratch) {
     setrlimit(RLIMIT_CORE, &noCore);
     const rlimit fileSize{64 << 20, 64 << 20};
     setrlimit(RLIMIT_FSIZE, &fileSize);
+#ifdef VALIDATOR_BOUNDS_MEMORY
+    const rlimit memory{rlim_t{4} << 30, rlim_t{4} << 30};
+    setrlimit(RLIMIT_AS, &memory);
+#endif
     setenv("TMPDIR", scratch.c_str(), 1);
 }
 
