@@ -1,11 +1,13 @@
 // Files as materials.
 #include <atomic>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string_view>
 
 #include "analyse.h"
+#include "host/logger.h"
 #include "host/validation.h"
 #include "host_kit/Counted.h"
 #include "host_kit/Source.h"
@@ -22,19 +24,29 @@ class ClipSource final : public host_kit::Source,
                          public host_kit::Analysable,
                          public std::enable_shared_from_this<ClipSource> {
 public:
-    /// Keeps nothing where `cacheRoot` is empty.
+    /// Keeps nothing where `cacheRoot` is empty; otherwise in another place for every content, as
+    /// far as size and time tell of it.
     ClipSource(const std::string& path, const std::string& cacheRoot) : clip(path) {
-        const std::size_t name = std::hash<std::string>()(path);
-        if (!cacheRoot.empty()) cacheDirectory_ = cacheRoot + "/" + std::to_string(name);
+        if (cacheRoot.empty()) return;
+        const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+        const auto time = std::filesystem::last_write_time(file).time_since_epoch().count();
+        const auto size = std::to_string(std::filesystem::file_size(file));
+        const auto name = std::hash<std::string>()(path + " " + size + " " + std::to_string(time));
+        cacheDirectory_ = cacheRoot + "/" + std::to_string(name);
     }
 
     std::shared_ptr<host_kit::Analysable> analysable() override { return shared_from_this(); }
     KOR::Status getMediaInfo(const char* key, KOR::KorValue* value) override {
-        if (value == nullptr || !isName(key, KOR::mediaInfoKey::media_length)) {
+        const std::string text = getMediaInfoText(key);
+        const bool isCache = isName(key, KOR::mediaInfoKey::media_cache);
+        const bool isKnown = isCache || isName(key, KOR::mediaInfoKey::media_length);
+        // Part of a path would be another path.
+        if (!isKnown || value == nullptr || text.size() >= sizeof value->asText) {
             return KOR::statusFailed;
         }
-        value->type = KOR::KorValue::int64;
+        value->type = isCache ? KOR::KorValue::text : KOR::KorValue::int64;
         value->asInt64 = 0;
+        if (isCache) value->asText[text.copy(value->asText, text.size())] = '\0';
         return KOR::statusOk;
     }
     const char* getMediaInfoText(const char* key) override {
@@ -80,6 +92,10 @@ private:
 
 }  // namespace
 }  // namespace minimal_host
+
+KOR::KorLoggerWrapper* loggerWrapper(std::int32_t) {
+    return nullptr;
+}
 
 KOR::IDmBaseObj* createValidationMaterial(const char* file, const char* cacheDirectory) try {
     using namespace minimal_host;

@@ -21,8 +21,7 @@ std::string pixelsOf(int picture, const PlainFiles::Brightness& brightness) {
 std::filesystem::path PlainFiles::makeVideo(const std::string& name, int pictures,
                                             const Brightness& brightness,
                                             const std::string& header) const {
-    const bool isMono = header.find("Cmono") != std::string::npos;
-    const std::string colours(isMono ? 0 : width * height / 2, '\x80');
+    const std::string colours(width * height / 2, '\x80');
     std::string bytes = "YUV4MPEG2 W64 H48 " + header + "\n";
     for (int i = 0; i < pictures; ++i)
         bytes += "FRAME\n" + pixelsOf(i, brightness) + colours;

@@ -45,10 +45,7 @@ TEST(MinimalMaterial, CacheIsBelowTheDirectoryForEachContent) {
     const auto file = files.makeVideo("a.y4m", 10, plain);
     const auto cacheOf = [&](const std::filesystem::path& root) {
         const Material material = import(file, root);
-        KOR::KorValue value{};
-        EXPECT_EQ(sourceOf(material).getMediaInfo("media_cache", &value), KOR::statusOk);
-        EXPECT_STREQ(value.asText, sourceOf(material).getMediaInfoText("media_cache"));
-        return std::string(value.asText);
+        return std::string(sourceOf(material).getMediaInfoText("media_cache"));
     };
     EXPECT_EQ(cacheOf(""), "");
     const std::string first = cacheOf("/cache");
@@ -56,17 +53,12 @@ TEST(MinimalMaterial, CacheIsBelowTheDirectoryForEachContent) {
     EXPECT_EQ(cacheOf("/cache"), first);
     files.makeVideo("a.y4m", 11, plain);
     EXPECT_NE(cacheOf("/cache"), first);
-    const Material material = import(file, "/" + std::string(2000, 'c'));
-    KOR::KorValue value{};
-    EXPECT_EQ(sourceOf(material).getMediaInfo("media_cache", &value), KOR::statusFailed)
-        << "part of a path is another path";
-    EXPECT_GT(std::string(sourceOf(material).getMediaInfoText("media_cache")).size(), 2000U);
 }
 
-TEST(MinimalMaterial, ReadsMonoAndOddRates) {
+TEST(MinimalMaterial, ReadsOddRates) {
     const PlainFiles files;
     const Material material =
-        import(files.makeVideo("a.y4m", 4, plain, "Ip F30000:1001 Cmono Xcomment"));
+        import(files.makeVideo("a.y4m", 4, plain, "F30000:1001 Ip C420jpeg Xcomment"));
     ASSERT_NE(material, nullptr);
     EXPECT_EQ(mediaOf(material).getDuration(), 1334667);
     TaskRun run({9}, files.directory() / "a.y4m");
@@ -97,7 +89,7 @@ TEST(MinimalMaterial, RefusesWhatItCannotUse) {
     EXPECT_TRUE(refuses(header("W0 H48 F25:1") + picture));
     EXPECT_TRUE(refuses(header("W-64 H48 F25:1") + picture));
     EXPECT_TRUE(refuses(header("W999999999999 H999999999999 F25:1") + picture));
-    EXPECT_TRUE(refuses(header("W8193 H1 F25:1 Cmono") + std::string(8193, 'x'))) << "too wide";
+    EXPECT_TRUE(refuses(header("W64 H48 F25:1 Cmono") + picture)) << "no colours";
     EXPECT_FALSE(refuses("P5 64 48 255\n" + picture));
     EXPECT_TRUE(refuses("P5 64 48 255\n" + picture.substr(0, 3071)));
     EXPECT_TRUE(refuses("P5 64 48 65535\n" + picture + picture));
@@ -133,16 +125,6 @@ TEST(MinimalMaterial, AnyByteOfAHeaderMayBeWrong) {
         }
     }
     EXPECT_GT(usable, 50) << "most of what is wrong is refused, but not all";
-}
-
-TEST(MinimalMaterial, RefusesMorePicturesThanAreMeant) {
-    const PlainFiles files;
-    const std::string header = "YUV4MPEG2 W1 H1 F25:1 Cmono\n";
-    const auto file = files.write("a.y4m", header);
-    std::filesystem::resize_file(file, header.size() + std::size_t{7} * 1'000'000);
-    EXPECT_NE(import(file), nullptr);
-    std::filesystem::resize_file(file, header.size() + std::size_t{7} * 1'000'001);
-    EXPECT_EQ(import(file), nullptr);
 }
 
 }  // namespace
