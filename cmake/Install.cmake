@@ -15,7 +15,11 @@ endif()
 
 if(MATERIAL_ANALYSIS_VALIDATOR)
   install(TARGETS material-analysis-validator RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-  install(TARGETS material-analysis-component-checks material-analysis-host-checks
+  set(checks material-analysis-component-checks)
+  if(TARGET material-analysis-host-checks)
+    list(APPEND checks material-analysis-host-checks)
+  endif()
+  install(TARGETS ${checks}
     RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/MaterialAnalysis)
 endif()
 

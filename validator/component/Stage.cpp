@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "fake_host/paths.h"
+
 namespace validator {
 namespace {
 
@@ -98,7 +100,7 @@ void Stage::runToEnd() {
 }
 
 Lines Stage::journal() {
-    const std::string directory = host().directory().string();
+    const std::string directory = utf8Of(host().directory());
     Lines lines = host().takeJournal();
     for (std::string& line : lines) {
         const std::size_t at = line.find(directory);

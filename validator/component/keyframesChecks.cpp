@@ -44,7 +44,7 @@ void keepsKeyFramesWithoutTask(Stage& stage) {
     stage.insert(twoScenes().keyFrames({350}));
     stage.useKinds({4, 3, 1});
     stage.component().start();
-    for (const std::size_t task : {0, 1, 2, 0})
+    for (const std::size_t task : {0U, 1U, 2U, 0U})
         stage.task(task).finish();
     stage.journal();
     stage.task(1).hideAnalysisInterface();

@@ -101,7 +101,7 @@ void finishesWithoutTask(Stage& stage) {
     stage.insert(video("clip.mp4", 100 * second));
     stage.useKinds({6, 7, 4});
     stage.component().start();
-    for (const std::size_t task : {0, 1}) {
+    for (const std::size_t task : {0U, 1U}) {
         stage.task(task).hideAnalysisInterface();
         stage.task(task).finish();
     }
