@@ -109,6 +109,15 @@ void* operator new(std::size_t size) {
     return block;
 }
 
+// A sanitizer's own would not go by the one above.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* block) noexcept {
     if (block != nullptr && !validator::theBlocks.isKept(block)) std::free(block);
 }
