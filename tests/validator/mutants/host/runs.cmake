@@ -81,7 +81,24 @@ add_host_mutant(stopped-run-goes-on
   REPLACE [[        run_->request_stop();
 ]]
   BY ""
-  CAUGHT_BY stop.is-the-end stop.inside-progress)
+  CAUGHT_BY stop.inside-progress)
+
+# For twenty milliseconds, so that it does not matter when exactly the events are counted.
+add_host_mutant(stop-is-told-on-and-on
+  SOURCE Channel.h
+  REPLACE [[        else
+            speak(lock, KOR::taskEventStopped, {});]]
+  BY [[        else {
+            speak(lock, KOR::taskEventStopped, {});
+            std::thread([this] {
+                for (int i = 0; i < 20; ++i) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                    Lock again(mutex_);
+                    speak(again, KOR::taskEventStopped, {});
+                }
+            }).detach();
+        }]]
+  CAUGHT_BY stop.is-the-end)
 
 add_host_mutant(idle-stop-is-told
   SOURCE Channel.h
