@@ -77,4 +77,8 @@ inline const Milestones finished = {KOR::taskEventFinished};
 inline const Milestones stopped = {KOR::taskEventStopped};
 inline const Milestones failedAndFinished = {KOR::taskEventFailed, KOR::taskEventFinished};
 
+/// Lets whole runs go by for a while, so that one that was given up has the time to speak, if it
+/// would.
+void letTimePass(const HostLibrary& host);
+
 }  // namespace validator

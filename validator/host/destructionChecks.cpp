@@ -8,13 +8,6 @@
 namespace validator {
 namespace {
 
-/// Lets a whole run go by, so that one that was given up has the time to speak, if it would.
-void letTimePass(const HostLibrary& host) {
-    const Material video = host.video();
-    Run run(host, {1}, video.source);
-    run.finish();
-}
-
 /// What is seen of a task whose last reference another thread gives back while an event is told.
 struct Farewell {
     bool wasEarly = false;

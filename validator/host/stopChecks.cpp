@@ -68,13 +68,6 @@ void withStopped(const HostLibrary& host, Action action) {
         host, video.source, [](Run& run) { run.task->stop(); }, action);
 }
 
-/// Lets a whole run go by, so that one that was given up has the time to speak, if it would.
-void letTimePass(const HostLibrary& host) {
-    const Material video = host.video();
-    Run run(host, {1}, video.source);
-    run.finish();
-}
-
 void endsRun(HostLibrary& host) {
     withStopped(host, [](const HeldRun& held) {
         expectEqual("the events when stop() has returned", held.run.listener.milestones(), stopped);
