@@ -17,10 +17,24 @@ endfunction()
 
 # Adds to `table`, a variable of the caller, the line that the test of the mutants reads.
 macro(note_mutant table name ids)
-  list(JOIN ${ids} "\", \"" quoted)
-  set(${table} "${${table}}    {\"${name}\", \"$<TARGET_FILE:mutant-${name}>\", {\"${quoted}\"}},\n"
+  list(JOIN ${ids} " " joined)
+  set(${table} "${${table}}    {\"${name}\", \"$<TARGET_FILE:mutant-${name}>\", \"${joined}\"},\n"
     PARENT_SCOPE)
 endmacro()
+
+# What most mutants of a side include: there are hundreds of them, and nobody debugs one.
+set(mutant_options -ffp-contract=off -g0)
+add_shared_headers(component_mutant_headers LIBRARIES
+  HEADERS <filesystem> <map> <memory> <optional> <sstream> <string> <vector>
+    <rapidjson/document.h>
+    ${PROJECT_SOURCE_DIR}/modules/BusinessLayer/MaterialAnalysis/KorMaterialAnalysis.h
+  LINKS host Threads::Threads
+  OPTIONS ${mutant_options})
+add_shared_headers(host_mutant_headers LIBRARIES
+  HEADERS <algorithm> <atomic> <condition_variable> <filesystem> <fstream> <functional> <map>
+    <memory> <mutex> <set> <string> <thread> <vector> ${PROJECT_SOURCE_DIR}/host/tasks.h
+  LINKS host Threads::Threads
+  OPTIONS ${mutant_options})
 
 # add_component_mutant(NAME
 #   SOURCE    a source of the component, by its name
@@ -36,8 +50,8 @@ function(add_component_mutant name)
     $<FILTER:$<TARGET_OBJECTS:material_analysis_objects>,EXCLUDE,/${arg_SOURCE}>)
   target_link_libraries(mutant-${name} PRIVATE host)
   target_include_directories(mutant-${name} SYSTEM PRIVATE ${RapidJSON_INCLUDE_DIRS})
-  # Nobody debugs a mutant, and there are many.
-  target_compile_options(mutant-${name} PRIVATE -ffp-contract=off -g0)
+  target_compile_options(mutant-${name} PRIVATE ${mutant_options})
+  target_precompile_headers(mutant-${name} REUSE_FROM component_mutant_headers)
   target_link_options(mutant-${name} PRIVATE -Wl,--strip-debug
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/modules/BusinessLayer/MaterialAnalysis/exports.map)
   set_target_properties(mutant-${name} PROPERTIES
@@ -78,7 +92,8 @@ function(add_host_mutant name)
     "$<FILTER:$<TARGET_OBJECTS:plain_host>,EXCLUDE,/(${replaced})[.]o$>")
   target_include_directories(mutant-host-${name} PRIVATE ${PROJECT_SOURCE_DIR}/${room})
   target_link_libraries(mutant-host-${name} PRIVATE host Threads::Threads)
-  target_compile_options(mutant-host-${name} PRIVATE -g0)
+  target_compile_options(mutant-host-${name} PRIVATE ${mutant_options})
+  target_precompile_headers(mutant-host-${name} REUSE_FROM host_mutant_headers)
   target_link_options(mutant-host-${name} PRIVATE -Wl,--strip-debug)
   set_target_properties(mutant-host-${name} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/host)

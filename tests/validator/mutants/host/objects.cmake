@@ -10,8 +10,7 @@ add_host_mutant(object-begins-with-two-references
 add_host_mutant(references-counted-by-one-thread
   SOURCE Counted.h
   REPLACE [[while (count != 0 && !count_.compare_exchange_weak(count, count + 1)) {]]
-  BY [[for (volatile int i = 0; i < 1000; i = i + 1) {
-        }
+  BY [[sched_yield();
         while (count != 0 && (count_ = count + 1) == 0) {]]
   CAUGHT_BY lists.count-references-on-threads media.count-references-on-threads
     tasks.count-references-on-threads)
