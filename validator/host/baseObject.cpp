@@ -1,11 +1,12 @@
 #include "validator/host/baseObject.h"
 
 #include <algorithm>
-#include <latch>
+#include <cstdint>
 #include <string>
 #include <thread>
 
 #include "validator/check/expect.h"
+#include "validator/check/onThreads.h"
 #include "validator/host/Observer.h"
 
 namespace validator {
@@ -22,23 +23,19 @@ void expectCountsReferences(Held<KOR::IDmBaseObj> object) {
 }
 
 void expectCountsOnThreads(Held<KOR::IDmBaseObj> object) {
-    constexpr int times = 20000;
-    constexpr int count = 4;
-    std::latch areReady(count);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) {
-        threads.emplace_back([&] {
-            areReady.arrive_and_wait();
-            for (int n = 0; n < times; ++n)
-                object->addRef();
-            for (int n = 0; n < times; ++n)
-                object->release();
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("refCount() after as many releases as references on four threads",
-                object->refCount(), 1);
+    constexpr std::uint32_t times = 20000;
+    // All are taken before one is given back: a lost one must not make up for another.
+    onThreads([&](int) {
+        for (std::uint32_t n = 0; n < times; ++n)
+            object->addRef();
+    });
+    expectEqual("refCount() after as many references were taken on four threads",
+                object->refCount(), 1 + threadCount * times);
+    onThreads([&](int) {
+        for (std::uint32_t n = 0; n < times; ++n)
+            object->release();
+    });
+    expectEqual("refCount() after they were given back on four threads", object->refCount(), 1);
 }
 
 void expectKeepsObserver(Held<KOR::IDmBaseObj> object) {

@@ -1,8 +1,8 @@
 #include <array>
 #include <limits>
-#include <thread>
 
 #include "host/logger.h"
+#include "validator/check/onThreads.h"
 #include "validator/host/exports.h"
 #include "validator/host/groups.h"
 
@@ -99,15 +99,10 @@ void holdsSeveralLines(HostLibrary& host) {
 
 void writesOnThreads(HostLibrary& host) {
     KOR::KorLoggerWrapper& theLog = log(host);
-    std::vector<std::thread> threads;
-    for (int n = 0; n < 4; ++n) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 200; ++i)
-                wrote(theLog, IBsLogger::error, "a line of one of four threads\n");
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads([&](int) {
+        for (int i = 0; i < 200; ++i)
+            wrote(theLog, IBsLogger::error, "a line of one of four threads\n");
+    });
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
+#include <atomic>
 #include <cstring>
 #include <string_view>
-#include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/host/baseObject.h"
 #include "validator/host/exports.h"
 #include "validator/host/footage.h"
@@ -115,37 +116,27 @@ void repeatsAnswers(HostLibrary& host) {
 void answersOnThreads(HostLibrary& host) {
     const Material material = host.video();
     const Answers first = answersOf(material);
-    std::vector<std::thread> threads;
-    std::vector<int> wrong(4);
-    for (int& count : wrong) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 2000; ++i) {
-                if (!(answersOf(material) == first)) ++count;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("other answers, by thread", wrong, std::vector<int>(4, 0));
+    std::atomic<int> wrong = 0;
+    onThreads([&](int) {
+        for (int i = 0; i < 2000; ++i) {
+            if (!(answersOf(material) == first)) ++wrong;
+        }
+    });
+    expectEqual("other answers on four threads", wrong.load(), 0);
 }
 
 void areMadeOnThreads(HostLibrary& host) {
     const auto file = host.videoFile();
     const Answers expected = answersOf(host.material(file));
-    std::vector<std::thread> threads;
-    std::vector<int> right(4);
-    for (int& count : right) {
-        threads.emplace_back([&] {
-            const auto object = host.materialOf(file, host.cacheDirectory());
-            if (!object) return;
-            auto* const media =
-                static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
-            if (media != nullptr && media->getDuration() == expected.duration) ++count;
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("materials with the right duration, by thread", right, std::vector<int>(4, 1));
+    std::atomic<int> right = 0;
+    onThreads([&](int) {
+        const auto object = host.materialOf(file, host.cacheDirectory());
+        if (!object) return;
+        auto* const media = static_cast<KOR::IDmBaseMedia*>(object->queryInterface("IDmBaseMedia"));
+        if (media != nullptr && media->getDuration() == expected.duration) ++right;
+    });
+    expectEqual("materials with the right duration, of one on each thread", right.load(),
+                threadCount);
 }
 
 }  // namespace

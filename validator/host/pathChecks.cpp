@@ -1,6 +1,7 @@
+#include <atomic>
 #include <fstream>
-#include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/host/exports.h"
 #include "validator/host/groups.h"
 
@@ -189,21 +190,17 @@ void lengths(HostLibrary& host) {
 }
 
 void work(HostLibrary& host) {
-    std::vector<std::thread> threads;
-    std::vector<int> made(4);
-    for (std::size_t n = 0; n < made.size(); ++n) {
-        threads.emplace_back([&, n] {
-            for (int i = 0; i < 50; ++i) {
-                // All of them make the same directories.
-                const std::string directory = joined(host, place(host, "many"), std::to_string(i));
-                if (create(host, directory) && exists(host, directory)) ++made[n];
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("directories that each of four threads has made or found", made,
-                std::vector<int>(4, 50));
+    constexpr int times = 50;
+    std::atomic<int> made = 0;
+    onThreads([&](int) {
+        for (int i = 0; i < times; ++i) {
+            // All of them make the same directories.
+            const std::string directory = joined(host, place(host, "many"), std::to_string(i));
+            if (create(host, directory) && exists(host, directory)) ++made;
+        }
+    });
+    expectEqual("directories that four threads have made or found", made.load(),
+                threadCount * times);
 }
 
 }  // namespace

@@ -108,15 +108,21 @@ void behindStopInside(HostLibrary& host) {
 
 void afterStop(HostLibrary& host) {
     const Material video = host.video();
-    Run run(host, {1}, video.source);
-    run.start();
-    expectReturn("stop()", [&] { run.task->stop(); });
-    expectEqual("setSource()", run.analysis.setSource(video.source, 0, 0), KOR::statusOk);
-    run.start();
-    run.listener.waitForEnd(2);
-    expectEqual("the last event", run.listener.milestones().back(),
-                std::uint32_t{KOR::taskEventFinished});
-    expect(run.count(1) > 0, "the scenes", "at least one", "none");
+    constexpr int attempts = 10;
+    for (int i = 0; i < attempts; ++i) {
+        Run run(host, {1}, video.source);
+        run.start();
+        expectReturn("stop()", [&] { run.task->stop(); });
+        if (run.listener.milestones() == finished) continue;  // it was over before
+        expectEqual("setSource()", run.analysis.setSource(video.source, 0, 0), KOR::statusOk);
+        run.start();
+        run.listener.waitForEnd(2);
+        expectEqual("the last event", run.listener.milestones().back(),
+                    std::uint32_t{KOR::taskEventFinished});
+        expect(run.count(1) > 0, "the scenes", "at least one", "none");
+        return;
+    }
+    fail("the events of a run that is stopped", "event 4 as the last", "event 2 each time");
 }
 
 void takesOtherSources(HostLibrary& host) {

@@ -1,6 +1,6 @@
 #include <atomic>
-#include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/host/Flag.h"
 #include "validator/host/Run.h"
 #include "validator/host/groups.h"
@@ -190,13 +190,7 @@ void twice(HostLibrary& host) {
 
 void fromThreads(HostLibrary& host) {
     const Material video = host.video();
-    const auto stopOnThreads = [](Run& run) {
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([&] { run.task->stop(); });
-        for (std::thread& thread : threads)
-            thread.join();
-    };
+    const auto stopOnThreads = [](Run& run) { onThreads([&](int) { run.task->stop(); }); };
     withStopped(host, video.source, stopOnThreads, [](const HeldRun& held) {
         expectEqual("the events of a run that four threads stop", held.run.listener.milestones(),
                     stopped);

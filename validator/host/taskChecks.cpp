@@ -1,8 +1,9 @@
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <limits>
-#include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/host/Run.h"
 #include "validator/host/baseObject.h"
 #include "validator/host/exports.h"
@@ -200,20 +201,16 @@ void hasNoResultsAtFirst(HostLibrary& host) {
 }
 
 void areMadeOnThreads(HostLibrary& host) {
-    std::vector<std::thread> threads;
-    std::vector<int> made(4);
-    for (int& count : made) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 100; ++i) {
-                const auto task = host.task({1, 9});
-                task->setTaskName("one of many");
-                if (task->refCount() == 1) ++count;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("tasks with one reference, by thread", made, std::vector<int>(4, 100));
+    constexpr int times = 100;
+    std::atomic<int> made = 0;
+    onThreads([&](int) {
+        for (int i = 0; i < times; ++i) {
+            const auto task = host.task({1, 9});
+            task->setTaskName("one of many");
+            if (task->refCount() == 1) ++made;
+        }
+    });
+    expectEqual("tasks with one reference, made on four threads", made.load(), threadCount * times);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <memory>
 #include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/host/Flag.h"
 #include "validator/host/Run.h"
 #include "validator/host/footage.h"
@@ -117,24 +118,20 @@ void answerInside(HostLibrary& host) {
 
 void driveOnThreads(HostLibrary& host) {
     const Material video = host.video();
-    std::vector<std::thread> threads;
-    std::vector<int> ended(4);
-    for (int& count : ended) {
-        threads.emplace_back([&] {
-            try {
-                for (int i = 0; i < 5; ++i) {
-                    Run run(host, {1, 9}, video.source);
-                    run.finish();
-                    if (run.listener.milestones() == finished && run.count(1) > 0) ++count;
-                }
-            } catch (const Failure&) {
-                // It has not counted.
+    constexpr int times = 5;
+    std::atomic<int> ended = 0;
+    onThreads([&](int) {
+        try {
+            for (int i = 0; i < times; ++i) {
+                Run run(host, {1, 9}, video.source);
+                run.finish();
+                if (run.listener.milestones() == finished && run.count(1) > 0) ++ended;
             }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    expectEqual("runs that ended well, by thread", ended, std::vector<int>(4, 5));
+        } catch (const Failure&) {
+            // It has not counted.
+        }
+    });
+    expectEqual("runs on four threads that ended well", ended.load(), threadCount * times);
 }
 
 }  // namespace

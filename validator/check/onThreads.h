@@ -1,0 +1,13 @@
+#pragma once
+
+#include <functional>
+
+namespace validator {
+
+constexpr int threadCount = 4;
+
+/// Runs `action` on `threadCount` threads at once, each with its number from 0, and returns when
+/// all have ended. An exception of `action` ends the process.
+void onThreads(const std::function<void(int thread)>& action);
+
+}  // namespace validator
