@@ -168,6 +168,15 @@ void worksInsideTaskStart(Stage& stage) {
     expectEqual("the events", listener.events(), Events{4});
 }
 
+void countsBeforeTasksStop(Stage& stage) {
+    const Running run(stage);
+    // It comes to its end by itself, right before it would be stopped.
+    stage.task(0).stopSilently();
+    stage.task(0).onCall("stop", [&] { stage.task(0).finish(); });
+    run.stop();
+    expectLines("what stop() did", stage.journal(), {"task0.stop", "task1.stop", "task2.stop"});
+}
+
 void keepsNextTaskFromStarting(Stage& stage) {
     const Running run(stage);
     stage.task(0).onCall("getResultList", [&] { stage.component().stop(); });
@@ -225,6 +234,9 @@ const std::vector<ComponentCheck> stopChecks = {
      worksFromAnotherThread},
     {"stop.works-inside-task-start", "stop() inside the start of a task cancels the run.",
      worksInsideTaskStart},
+    {"stop.counts-before-tasks-stop",
+     "A task that finishes while stop() is about to stop it leads to nothing more.",
+     countsBeforeTasksStop},
     {"stop.keeps-next-task-from-starting",
      "When stop() comes while results are taken in, the next task is not started.",
      keepsNextTaskFromStarting},

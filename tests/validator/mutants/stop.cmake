@@ -8,6 +8,21 @@ add_component_mutant(stop-sets-no-flag
   CAUGHT_BY stop.ignores-finish-behind-it stop.comes-to-no-end listeners.may-stop
     threads.bears-racing-stop nesting.ends-by-stop)
 
+add_component_mutant(stop-sets-flag-last
+  SOURCE RunDriver.cpp
+  REPLACE [[    cancelled.exchange(1);
+    // A task may report in its stop, and a listener release the component in there.
+    const std::vector<Ref<IKorBaseTask>> toStop = tasks;
+    for (const Ref<IKorBaseTask>& task : toStop)
+        task->stop();]]
+  BY [[    const std::vector<Ref<IKorBaseTask>> toStop = tasks;
+    addRef();
+    for (const Ref<IKorBaseTask>& task : toStop)
+        task->stop();
+    cancelled.exchange(1);
+    release();]]
+  CAUGHT_BY stop.counts-before-tasks-stop)
+
 add_component_mutant(stop-gives-status-of-tasks
   SOURCE RunDriver.cpp
   REPLACE [[        task->stop();
