@@ -185,6 +185,25 @@ void keepsNextTaskFromStarting(Stage& stage) {
     expectEqual("the events", run.listener.events(), Events{});
 }
 
+void letsFinishedTaskCount(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
+    stage.insert(clip("a.mp4"));
+    stage.insert(photo("b.jpg"));
+    stage.insert(video("c.mp4", second));
+    stage.useKinds({4, 3});
+    stage.component().start();
+    stage.task(0).finish();
+    stage.task(1).onCall("getResultList", [&] { stage.component().stop(); });
+    stage.task(1).finish();
+    expectLines("the records", recordLines(stage),
+                {"a.mp4 [0, 400000000) at 100000000: 0.12000000029999999 {0.0, 0.0, 0.0, 0.0}",
+                 "a.mp4 [410000000, 1000000000) at 600000000: 0.1770000003 {0.0, 0.0, 0.0, 0.0}",
+                 "b.jpg [0, 1) at 0: 1.0 {0.0, 0.0, 0.0, 0.0}",
+                 "c.mp4 [0, 10000000) at 5000000: 1.0 {0.0, 0.0, 0.0, 0.0}"});
+    expectEqual("the events", listener.events(), Events{2});
+}
+
 void keepsFirstTaskFromStarting(Stage& stage) {
     FakeMedia& material = stage.insert(clip());
     useKindsQuietly(stage, {4, 3});
@@ -240,6 +259,11 @@ const std::vector<ComponentCheck> stopChecks = {
     {"stop.keeps-next-task-from-starting",
      "When stop() comes while results are taken in, the next task is not started.",
      keepsNextTaskFromStarting},
+    {"stop.lets-a-finished-task-count",
+     "When stop() comes while the last results are taken in, they are kept, the materials that "
+     "need "
+     "no task get their records, and the run tells its end.",
+     letsFinishedTaskCount},
     {"stop.keeps-first-task-from-starting",
      "When stop() comes while the first material is chosen, start() starts nothing and returns "
      "1001.",

@@ -108,3 +108,16 @@ add_component_mutant(stop-only-once
   REPLACE [[    cancelled.exchange(1);]]
   BY [[    if (cancelled.exchange(1) != 0) return statusOk;]]
   CAUGHT_BY stop.stops-tasks-each-time)
+
+add_component_mutant(stop-keeps-end-from-being-told
+  SOURCE RunDriver.cpp
+  REPLACE [[isBeyondLastMaterial() ? finishedAllAnalysis()]]
+  BY [[isBeyondLastMaterial() && cancelled.load() == 0 ? finishedAllAnalysis()]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
+
+add_component_mutant(stop-ends-choice-of-material
+  SOURCE RunDriver.cpp
+  REPLACE [[    while (IDmBaseMedia* const media = currentMaterial()) {]]
+  BY [[    while (IDmBaseMedia* const media = currentMaterial()) {
+        if (cancelled.load() != 0) return;]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
