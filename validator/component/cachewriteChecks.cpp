@@ -142,7 +142,9 @@ void asksHostForDirectory(Stage& stage) {
 }
 
 void joinsAsHost(Stage& stage) {
-    runToLastTask(stage, clip(stage).cacheIn(stage.directory().string() + "///"));
+    MediaSpec spec = clip(stage);
+    spec.mediaCache += "///";
+    runToLastTask(stage, spec);
     stage.journal();
     stage.task(1).finish();
     expectSavingLog(stage, {"write analysisCachePath: <dir>/analysis/result.json"});
