@@ -106,6 +106,20 @@ void takesAnyPercentage(Stage& stage) {
                 Percentages{0, -25, 75, 500});
 }
 
+void truncatesPercentages(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
+    stage.insert(video("a.mp4", 49999 * second));
+    stage.insert(video("b.mp4", 50001 * second));
+    stage.useKinds({6});
+    stage.component().start();
+    expectEqual("progress at the end of a little less than one half",
+                toldOf(stage.task(0), listener, {100}), Percentages{49});
+    stage.task(0).finish();
+    expectEqual("progress at the begin of the rest", toldOf(stage.task(0), listener, {0}),
+                Percentages{49});
+}
+
 void answersReservedOperation(Stage& stage) {
     stage.insert(clip());
     useKindsQuietly(stage, {4, 3});
@@ -277,6 +291,7 @@ const std::vector<ComponentCheck> eventsChecks = {
     {"events.progress-counts-tasks-not-kinds",
      "Progress is shared among the tasks that there are, not among the kinds.",
      countsTasksNotKinds},
+    {"events.progress-is-truncated", "Just below 50 percent is 49 percent.", truncatesPercentages},
     {"events.progress-is-cut-toward-zero",
      "Percentages outside 0 to 100 are computed with like others, and cut toward zero.",
      takesAnyPercentage},

@@ -188,7 +188,7 @@ void keepsNextTaskFromStarting(Stage& stage) {
 void letsFinishedTaskCount(Stage& stage) {
     RecordingListener listener;
     stage.component().addCallBack(&listener);
-    stage.insert(clip("a.mp4"));
+    stage.insert(clip("a.mp4").cacheIn(stage.directory()));
     stage.insert(photo("b.jpg"));
     stage.insert(video("c.mp4", second));
     stage.useKinds({4, 3});
@@ -202,6 +202,7 @@ void letsFinishedTaskCount(Stage& stage) {
                  "b.jpg [0, 1) at 0: 1.0 {0.0, 0.0, 0.0, 0.0}",
                  "c.mp4 [0, 10000000) at 5000000: 1.0 {0.0, 0.0, 0.0, 0.0}"});
     expectEqual("the events", listener.events(), Events{2});
+    expect(!stage.resultText().empty(), "the result file", "a text", "none");
 }
 
 void keepsFirstTaskFromStarting(Stage& stage) {
@@ -260,9 +261,8 @@ const std::vector<ComponentCheck> stopChecks = {
      "When stop() comes while results are taken in, the next task is not started.",
      keepsNextTaskFromStarting},
     {"stop.lets-a-finished-task-count",
-     "When stop() comes while the last results are taken in, they are kept, the materials that "
-     "need "
-     "no task get their records, and the run tells its end.",
+     "When stop() comes while the last results are taken in, they are kept and written, the "
+     "materials that need no task get their records, and the run tells its end.",
      letsFinishedTaskCount},
     {"stop.keeps-first-task-from-starting",
      "When stop() comes while the first material is chosen, start() starts nothing and returns "

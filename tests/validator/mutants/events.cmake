@@ -169,3 +169,9 @@ add_component_mutant(reserved-operation-fails
   BY [[Status KorMaterialAnalysis::onReserved() {
     return statusFailed;]]
   CAUGHT_BY events.reserved-operation-gives-0)
+
+add_component_mutant(progress-a-little-more
+  SOURCE Progress.cpp
+  REPLACE [[position.scale * 100;]]
+  BY [[position.scale * 100 + 0.01;]]
+  CAUGHT_BY events.progress-is-truncated)

@@ -121,3 +121,9 @@ add_component_mutant(stop-ends-choice-of-material
   BY [[    while (IDmBaseMedia* const media = currentMaterial()) {
         if (cancelled.load() != 0) return;]]
   CAUGHT_BY stop.lets-a-finished-task-count)
+
+add_component_mutant(stop-keeps-file-from-being-written
+  SOURCE AutoTrim.cpp
+  REPLACE [[    saveMaterialAnalysisResult(media, ofMaterial);]]
+  BY [[    if (cancelled.load() == 0) saveMaterialAnalysisResult(media, ofMaterial);]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
