@@ -18,6 +18,7 @@ const std::string& Path::string() const {
 }
 
 bool PathUtil::exists(const Path& path) {
+    if (fake_host::host().faults.nothingExists) return false;
     std::error_code error;
     return std::filesystem::exists(fake_host::pathOf(path.string()), error);
 }

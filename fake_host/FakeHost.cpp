@@ -42,6 +42,7 @@ void FakeHost::reset() {
     faults = Faults();
     geometry = GeometryRules();
     makeOwningList = nullptr;
+    onLogLine = nullptr;
     recording = true;
     tasksFinishInsideStart = false;
     startDepth = 0;

@@ -63,6 +63,7 @@ public:
     bool logStreamsFail = false;
     bool directoriesFail = false;
     bool removalsFail = false;
+    bool nothingExists = false;  ///< so PathUtil::exists says of everything
 
 private:
     struct OfProduct {
@@ -132,6 +133,9 @@ public:
 
     /// Makes the lists for results instead of the host, where a test needs to see how one is read.
     std::function<KOR::IKORVoidPtrList*()> makeOwningList;
+
+    /// Told of each line of the log once it is complete.
+    std::function<void(const LogLine& line)> onLogLine;
 
     /// Off: nothing is recorded, so that benchmarks measure the component alone.
     bool recording = true;

@@ -26,6 +26,7 @@ public:
         if (!written_ && !isLost) host().complain("a log stream was closed without a text");
         if (host().recording && !isLost) {
             host().note("log " + shortName(line_.function) + ": \"" + visible(line_.text) + "\"");
+            if (host().onLogLine) host().onLogLine(line_);
             host().addLogLine(std::move(line_));
         }
         delete this;

@@ -26,6 +26,7 @@ public:
 
     bool running() const { return running_; }
     FakeMedia* source() const { return source_.get(); }
+    const std::vector<KOR::IKorCallBack*>& listeners() const { return callBacks_; }
 
     /// How often results of this kind were asked for since the last start.
     int askedFor(std::int32_t kind) const;

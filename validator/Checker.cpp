@@ -1,9 +1,10 @@
 #include "validator/Checker.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "validator/ScratchDirectory.h"
@@ -14,20 +15,28 @@
 namespace validator {
 namespace {
 
-/// The first bytes of a file; empty where there is none. A candidate may print anything, and any
-/// amount of it.
-std::string beginningOf(const std::filesystem::path& file) {
+/// At most `most` bytes of the end of a file; empty where there is none. A candidate may leave
+/// anything, and any amount of it, also what would not end or never open.
+std::string endOf(const std::filesystem::path& file, std::uintmax_t most) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) return "";
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (error) return "";
     std::ifstream stream(file, std::ios::binary);
-    std::string text(4 << 20, '\0');
+    stream.seekg(static_cast<std::streamoff>(size - std::min(size, most)));
+    std::string text(std::min(size, most), '\0');
     stream.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(stream.gcount()));
     return text;
 }
 
+/// More than a verdict can have: one that is longer is cut, and so none.
+constexpr std::uintmax_t longestVerdict = 4 << 20;
+
 /// What a process that crashed has said last, as far as it fits into a line or two.
 std::string lastWords(const std::filesystem::path& output) {
     constexpr std::size_t most = 400;
-    std::string text = beginningOf(output);
+    std::string text = endOf(output, 2 * most);
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r'))
         text.pop_back();
     if (text.empty()) return "";
@@ -87,7 +96,7 @@ Verdict Checker::verdictOn(const std::string& id, const Options& options) const 
     if (!options.video.empty()) command.insert(command.end(), {"--video", options.video});
     if (!options.photo.empty()) command.insert(command.end(), {"--photo", options.photo});
     const Ending ending = runProgram(command, output, options.timeLimit);
-    const auto verdict = verdictFrom(beginningOf(files / verdictFile));
+    const auto verdict = verdictFrom(endOf(files / verdictFile, longestVerdict));
     const bool isTrusted = ending.isGood || (verdict && verdict->outcome == Outcome::fail);
     return verdict && isTrusted ? *verdict : crashed(ending, output);
 }

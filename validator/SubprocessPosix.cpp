@@ -52,11 +52,14 @@ private:
     posix_spawnattr_t attributes_;
 };
 
-/// Waits for the process, at most until `deadline`. Returns whether it has ended by then.
-bool endedBefore(std::chrono::steady_clock::time_point deadline, pid_t process, int& status) {
+/// Waits for the process, at most until `deadline`. Returns whether it has ended by then. Its
+/// number stays its own, and that of its group, until its status is taken.
+bool endedBefore(std::chrono::steady_clock::time_point deadline, pid_t process) {
     // A check takes a few milliseconds; looking this often costs nothing beside it.
     constexpr auto pause = std::chrono::milliseconds(1);
-    while (waitpid(process, &status, WNOHANG) == 0) {
+    siginfo_t ended{};
+    while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           ended.si_pid == 0) {
         if (std::chrono::steady_clock::now() >= deadline) return false;
         std::this_thread::sleep_for(pause);
     }
@@ -79,11 +82,11 @@ Ending runProgram(const std::vector<std::string>& command, const std::filesystem
                   std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const pid_t process = Setting(output).start(command);
-    int status = 0;
-    const bool isInTime = endedBefore(deadline, process, status);
+    const bool isInTime = endedBefore(deadline, process);
     kill(-process, SIGKILL);
-    if (isInTime) return endingBy(status);
+    int status = 0;
     waitpid(process, &status, 0);
+    if (isInTime) return endingBy(status);
     return {false, false, "had not ended after " + std::to_string(limit.count()) + " ms"};
 }
 

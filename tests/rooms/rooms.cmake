@@ -44,7 +44,7 @@ check_room(fake_host "${standard}|host/|fake_host/")
 check_room(host_kit "${standard}|host/|host_kit/")
 check_room(validator/check "${standard}|host/|validator/check/|CLI/|rapidjson/|sys/|windows.h$")
 check_room(validator/component
-  "${standard}|host/|fake_host/|dynamic_library/|validator/check/|validator/component/|${component}/IKorMaterialAnalysis.h|sys/|unistd.h$")
+  "${standard}|host/|fake_host/|dynamic_library/|validator/check/|validator/component/|${component}/IKorMaterialAnalysis.h|malloc.h$|sys/|unistd.h$")
 check_room(validator/host
   "${standard}|host/|dynamic_library/|validator/check/|validator/host/")
 check_room(validator

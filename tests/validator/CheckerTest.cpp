@@ -26,7 +26,7 @@ Verdict verdictOn(const std::string& id, const Options& options = someOptions())
 
 TEST(Checker, ListsAllChecksInOrder) {
     const auto checks = Checker(ODD_CHECKS).list();
-    ASSERT_EQ(checks.size(), 18U);
+    ASSERT_EQ(checks.size(), 19U);
     EXPECT_EQ(checks[0].id, "odd.passes");
     EXPECT_EQ(checks[0].claim, "Nothing is wrong.");
     EXPECT_EQ(checks[1].id, "odd.fails");
@@ -74,7 +74,7 @@ TEST(Checker, TellsWhyACheckWasSkipped) {
 TEST(Checker, TakesAnExceptionAsAFailure) {
     const Verdict verdict = verdictOn("odd.throws");
     EXPECT_EQ(verdict.outcome, Outcome::fail);
-    EXPECT_EQ(verdict.found, "thrown");
+    EXPECT_EQ(verdict.found, "\"thrown\"");
 }
 
 TEST(Checker, TakesAnythingElseThrownAsAFailure) {
@@ -97,6 +97,17 @@ TEST(Checker, TrustsNoPassOfAProcessThatCrashesAfterwards) {
 
 TEST(Checker, KeepsAFailureWhateverFollows) {
     EXPECT_EQ(verdictOn("odd.fails-and-crashes").outcome, Outcome::fail);
+}
+
+TEST(Checker, KeepsTheBeginningOfALongFailure) {
+    const Verdict verdict = verdictOn("odd.finds-much");
+    EXPECT_EQ(verdict.outcome, Outcome::fail);
+    EXPECT_EQ(verdict.expected, "little");
+    // Of the 10000 bytes that are kept, the last two would be a part of a character.
+    std::string found = "xx";
+    for (int i = 0; i < 3332; ++i)
+        found += "素";
+    EXPECT_EQ(verdict.found, found + "... (of 8000000 bytes)");
 }
 
 TEST(Checker, KeepsAFailureThatTheSubjectDoesNotSurvive) {

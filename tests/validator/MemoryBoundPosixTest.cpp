@@ -14,7 +14,7 @@ TEST(MemoryBound, LeavesTheRestOfTheMachineAlone) {
     options.library = "candidate";
     options.timeLimit = std::chrono::milliseconds(60000);
     EXPECT_EQ(Checker(ODD_CHECKS).verdictOn("odd.takes-much-memory", options).found,
-              "std::bad_alloc");
+              "\"std::bad_alloc\"");
 }
 
 }  // namespace

@@ -62,6 +62,13 @@ const std::vector<RunnableCheck> checks = {
          std::atexit([] { std::abort(); });
          fail("it", "well", "not well");
      }},
+    {"odd.finds-much", "Everything may be found.",
+     [](const Occasion&) {
+         std::string text = "xx";
+         while (text.size() < 8000000)
+             text += "素";
+         fail("it", "little", text);
+     }},
     {"odd.hangs", "The process comes to its end.", [](const Occasion&) { hang(); }},
     {"odd.prints-much", "Everything may be printed.",
      [](const Occasion&) {

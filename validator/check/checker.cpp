@@ -1,6 +1,7 @@
 #include "validator/check/checker.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -27,12 +28,25 @@ Verdict passedWithWarnings() {
     return verdict;
 }
 
+/// The beginning of what a candidate made, with its whole length where that is not all: a verdict
+/// of megabytes could not be kept, and nobody reads it. Cuts no character of UTF-8 in two.
+std::string beginningOf(std::string text) {
+    constexpr std::size_t most = 10000;
+    if (text.size() <= most) return text;
+    std::size_t end = most;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end;
+    const std::string length = std::to_string(text.size());
+    text.resize(end);
+    return text + "... (of " + length + " bytes)";
+}
+
 Verdict failed(Failure failure) {
     Verdict verdict = passedWithWarnings();
     verdict.outcome = Outcome::fail;
-    verdict.what = std::move(failure.what);
-    verdict.expected = std::move(failure.expected);
-    verdict.found = std::move(failure.found);
+    verdict.what = beginningOf(std::move(failure.what));
+    verdict.expected = beginningOf(std::move(failure.expected));
+    verdict.found = beginningOf(std::move(failure.found));
     return verdict;
 }
 
@@ -74,7 +88,7 @@ Verdict tried(const RunnableCheck& check, const Occasion& occasion) {
         verdict.reason = skipped.reason;
         return verdict;
     } catch (const std::exception& error) {
-        return failed({"the check", "no exception", error.what()});
+        return failed({"the check", "no exception", shown(error.what())});
     } catch (...) {
         return failed({"the check", "no exception", "one of another kind"});
     }

@@ -1,6 +1,11 @@
 #include <cstdlib>
 
 #include <sys/resource.h>
+#ifdef __linux__
+#include <csignal>
+
+#include <sys/prctl.h>
+#endif
 
 #include "validator/check/limitProcess.h"
 
@@ -14,6 +19,9 @@ void limitProcess(const std::filesystem::path& scratch) {
 #ifdef VALIDATOR_BOUNDS_MEMORY
     const rlimit memory{rlim_t{4} << 30, rlim_t{4} << 30};
     setrlimit(RLIMIT_AS, &memory);
+#endif
+#ifdef __linux__
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
     setenv("TMPDIR", scratch.c_str(), 1);
 }

@@ -53,7 +53,10 @@ Component Stage::create() const {
 }
 
 KOR::IKorMaterialAnalysis& Stage::component() {
-    if (!component_) component_ = create();
+    if (!component_) {
+        component_ = create();
+        inserted_ = 0;
+    }
     return *component_;
 }
 

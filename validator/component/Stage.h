@@ -60,7 +60,7 @@ public:
     /// Makes a material, on which the stage holds a reference until its end.
     FakeMedia& make(const MediaSpec& spec);
 
-    /// Makes a material and adds it behind those that were added so before.
+    /// Makes a material and adds it to the component behind those that were added to it so before.
     FakeMedia& insert(const MediaSpec& spec);
 
     /// Each fails where the component refuses.

@@ -174,7 +174,7 @@ void stateStays0(Stage& stage) {
 }
 
 void priorityIsStored(Stage& stage) {
-    for (const std::uint32_t priority : {0U, 1U, 55U, 100U, 7U}) {
+    for (const std::uint32_t priority : {0U, 1U, 55U, 100U, 7U, 0xFFFFFFFFU}) {
         expectEqual("setPriority()", stage.component().setPriority(priority), KOR::statusOk);
         expectEqual("getPriority()", stage.component().getPriority(), priority);
     }

@@ -110,6 +110,46 @@ void overwritesAll(Stage& stage) {
     expectEqual("the file", stage.resultText(), fileText("4,3", "0", "3.0"));
 }
 
+void logsBeforeItOpens(Stage& stage) {
+    runToLastTask(stage, clip(stage));
+    std::vector<bool> filesThere;
+    host().onLogLine = [&](const LogLine& line) {
+        if (line.text.starts_with("write ")) filesThere.push_back(fs::exists(stage.resultFile()));
+    };
+    stage.journal();
+    stage.task(1).finish();
+    host().onLogLine = nullptr;
+    expectSavingLog(stage, {"write analysisCachePath: <dir>/analysis/result.json"});
+    expectEqual("files there when it is logged", filesThere, std::vector<bool>{false});
+}
+
+void leavesNothingBeside(Stage& stage) {
+    countInTicks(stage);
+    recordsOf(stage, clip(stage), {4, 3});
+    Lines names;
+    for (const auto& entry : fs::recursive_directory_iterator(stage.directory()))
+        names.push_back(entry.path().filename().string());
+    expectLines("what stands in the cache, from the outside in", names,
+                {"analysis", "result.json"});
+}
+
+void asksHostForDirectory(Stage& stage) {
+    fs::create_directories(stage.directory() / "analysis");
+    runToLastTask(stage, clip(stage));
+    host().faults.nothingExists = true;
+    stage.task(1).finish();
+    expectEqual("directories asked for", host().directoriesMade.load(), 1);
+}
+
+void joinsAsHost(Stage& stage) {
+    MediaSpec spec = clip(stage);
+    spec.mediaCache += "///";
+    runToLastTask(stage, spec);
+    stage.journal();
+    stage.task(1).finish();
+    expectSavingLog(stage, {"write analysisCachePath: <dir>/analysis/result.json"});
+}
+
 void survivesUnwritable(Stage& stage) {
     runToLastTask(stage, clip(stage));
     fs::create_directories(stage.resultFile());
@@ -188,13 +228,15 @@ const std::vector<ComponentCheck> cachewriteChecks = {
      "level, and no line feed at its end.",
      writesBytes},
     {"cachewrite.path-is-logged",
-     "Before it writes, the component logs the path, and nothing else.",
-     [](Stage& stage) {
-         runToLastTask(stage, clip(stage));
-         stage.journal();
-         stage.task(1).finish();
-         expectSavingLog(stage, {"write analysisCachePath: <dir>/analysis/result.json"});
-     }},
+     "Before it writes, the component logs the path, and nothing else.", logsBeforeItOpens},
+    {"cachewrite.path-is-joined-by-host",
+     "The path of the file is joined by the host, whatever the cache's own ends with.",
+     joinsAsHost},
+    {"cachewrite.leaves-nothing-beside", "Beside the file nothing is left in the cache.",
+     leavesNothingBeside},
+    {"cachewrite.existence-is-the-hosts",
+     "Whether the directory is there is what the host says: where not, it is asked for.",
+     asksHostForDirectory},
     {"cachewrite.path-is-utf-8",
      "The path of a material's cache is UTF-8, and so is that of its "
      "file, which the next run finds.",

@@ -96,6 +96,40 @@ void countsTasksNotKinds(Stage& stage) {
                 toldOf(stage.task(0), listener, {33, 51, 99}), Percentages{16, 25, 49});
 }
 
+void takesAnyPercentage(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
+    stage.insert(clip());
+    stage.useKinds({4, 3});
+    stage.component().start();
+    expectEqual("progress", toldOf(stage.task(0), listener, {-1, -51, 151, 1001}),
+                Percentages{0, -25, 75, 500});
+}
+
+void truncatesPercentages(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
+    stage.insert(video("a.mp4", 49999 * second));
+    stage.insert(video("b.mp4", 50001 * second));
+    stage.useKinds({6});
+    stage.component().start();
+    expectEqual("progress at the end of a little less than one half",
+                toldOf(stage.task(0), listener, {100}), Percentages{49});
+    stage.task(0).finish();
+    expectEqual("progress at the begin of the rest", toldOf(stage.task(0), listener, {0}),
+                Percentages{49});
+}
+
+void answersReservedOperation(Stage& stage) {
+    stage.insert(clip());
+    useKindsQuietly(stage, {4, 3});
+    stage.component().start();
+    stage.journal();
+    expectEqual("listeners of a task", stage.task(0).listeners().size(), 1U);
+    expectEqual("onReserved()", stage.task(0).listeners().front()->onReserved(), KOR::statusOk);
+    expectLines("what it led to", stage.journal(), {});
+}
+
 KOR::TaskEventPayload filledPayload() {
     KOR::TaskEventPayload payload{};
     std::memset(&payload, 0x5A, sizeof payload);
@@ -257,6 +291,10 @@ const std::vector<ComponentCheck> eventsChecks = {
     {"events.progress-counts-tasks-not-kinds",
      "Progress is shared among the tasks that there are, not among the kinds.",
      countsTasksNotKinds},
+    {"events.progress-is-truncated", "Just below 50 percent is 49 percent.", truncatesPercentages},
+    {"events.progress-is-cut-toward-zero",
+     "Percentages outside 0 to 100 are computed with like others, and cut toward zero.",
+     takesAnyPercentage},
     {"events.progress-copies-payload",
      "Listeners get the payload of progress as it is, but for the percentage.",
      copiesPayloadOfProgress},
@@ -288,6 +326,9 @@ const std::vector<ComponentCheck> eventsChecks = {
      answersEverything},
     {"events.are-answered-with-0-when-a-step-fails",
      "A finish is answered with 0 even when the step that it leads to fails.", answersFailingStep},
+    {"events.reserved-operation-gives-0",
+     "The listener's operation that is kept for its slot returns 0 and does nothing.",
+     answersReservedOperation},
     {"events.come-from-the-component",
      "Every event names the component's IDmBaseObj as its sender, and category 1.",
      namesItselfAsSender},

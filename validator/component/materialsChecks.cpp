@@ -184,6 +184,9 @@ void asksForEachIndex(Stage& stage) {
     FakeMedia& other = photoCalled(stage, "other");
     expectEqual("indices asked for", remove(stage, {&other, &other, &other}),
                 {0, 1, 2, 0, 1, 2, 0, 1, 2});
+    expectEqual("indices asked for in a longer list",
+                remove(stage, {&other, &other, &other, &other}),
+                {0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2});
 }
 
 void asksForWhatIsLeft(Stage& stage) {

@@ -1,6 +1,8 @@
 #include <algorithm>
 
+#include "fake_host/faces.h"
 #include "validator/component/groups.h"
+#include "validator/component/memoryInUse.h"
 #include "validator/component/runs.h"
 
 namespace validator {
@@ -141,6 +143,41 @@ void leavesResultsToTheHost(Stage& stage) {
         film.release();
 }
 
+/// A component's whole life, with everything that a run can hold: what is found and what is
+/// restored.
+void live(Stage& stage) {
+    host().recording = false;
+    stage.setParam("photoNeedAnalysis", 1);
+    stage.insert(clip("restored.mp4").cacheIn(stage.directory()));
+    stage.insert(photo("photo.jpg").faceFrames({frameWith({largeFaceAt(0.5, 0.5)})}));
+    MediaSpec film = clip("film.mp4");
+    stage.insert(film.faceFrames({frameWith({})}).entropies({{0, 4.0}}));
+    stage.useKinds({4, 3, 1, 2, 5, 6, 7});
+    stage.component().setTaskName("a name that is too long to be kept in place");
+    stage.runToEnd();
+    stage.runToEnd();
+    stage.results();
+    stage.end();
+    host().reset();
+}
+
+/// What the heap itself keeps varies by some bytes. But a block lost in each life, however small,
+/// is seen in every round.
+void takesNoMoreMemory(Stage& stage) {
+    constexpr std::size_t lives = 20;
+    constexpr std::size_t smallestBlock = 16;
+    std::vector<std::size_t> inUse;
+    for (int round = 0; round < 6; ++round) {
+        for (std::size_t i = 0; i < lives; ++i)
+            live(stage);
+        const auto now = memoryInUse();
+        if (!now) skip("the system does not say how much memory is in use");
+        if (!inUse.empty() && *now < inUse.back() + lives * smallestBlock) return;
+        inUse.push_back(*now);
+    }
+    fail("bytes in use behind every " + shown(lives) + " lives", "no more and more", shown(inUse));
+}
+
 }  // namespace
 
 const std::vector<ComponentCheck> releaseChecks = {
@@ -169,6 +206,9 @@ const std::vector<ComponentCheck> releaseChecks = {
     {"release.leaves-run-to-other-references",
      "A run goes on as long as anyone has a reference, and ends with the last one.",
      keepsGoingWithAReference},
+    {"release.takes-no-more-memory",
+     "Components that come and go, with runs of everything, take no more and more memory.",
+     takesNoMoreMemory},
     {"release.leaves-results-to-the-host",
      "Copies of records outlive the component, each with two references on its material.",
      leavesResultsToTheHost},

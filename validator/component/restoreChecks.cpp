@@ -142,6 +142,25 @@ void goesOnWhereNothingIsDeleted(Stage& stage) {
     stage.component().start();
     expectRestoringLog(stage, {"cache result invalidate"});
     expectEqual("task 0 runs", stage.task(0).running(), true);
+    expectEqual("the file that the host did not delete", stage.resultText(), "broken");
+}
+
+void asksHostWhatExists(Stage& stage) {
+    insertKept(stage);
+    host().faults.nothingExists = true;
+    stage.writeResultFile(KeptText().text());
+    stage.component().start();
+    expectRestoringLog(stage, {"analysisCachePath not exists"});
+    expectEqual("task 0 runs", stage.task(0).running(), true);
+    expectEqual("the file", stage.resultText(), KeptText().text());
+}
+
+void joinsAsHost(Stage& stage) {
+    insertKept(stage).spec.mediaCache += "///";
+    stage.writeResultFile(KeptText().text());
+    stage.component().start();
+    expectRestoringLog(stage, {});
+    expectEqual("the number of records", stage.results().size(), 1);
 }
 
 void refusesSilently(Stage& stage) {
@@ -289,8 +308,15 @@ const std::vector<ComponentCheck> restoreChecks = {
     {"restore.directory-in-its-place",
      "Where a directory stands in the file's place, the video is analysed.", goesOnWithDirectory},
     {"restore.undeletable-file-does-not-matter",
-     "Where a refused file cannot be deleted, the video is analysed all the same.",
+     "A refused file is deleted by the host alone; where that cannot, the video is analysed all "
+     "the "
+     "same.",
      goesOnWhereNothingIsDeleted},
+    {"restore.existence-is-the-hosts", "Whether there is a file is what the host says.",
+     asksHostWhatExists},
+    {"restore.path-is-joined-by-host",
+     "The path of the file is joined by the host, whatever the cache's own ends with.",
+     joinsAsHost},
     {"restore.deletes-without-logger", "A file is refused and deleted without a logger too.",
      refusesSilently},
     {"restore.photo-reads-no-file", "A photo's cache is not looked at.",

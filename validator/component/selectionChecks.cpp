@@ -142,11 +142,12 @@ void collectsNothingOfPhotos(Stage& stage) {
     expectEqual("the number of records", stage.results().size(), std::size_t{3});
 }
 
-void examinesPhotoOverAndOver(Stage& stage) {
+/// Fails unless a photo is examined without end where these kinds are listed.
+void expectNoEnd(Stage& stage, const std::vector<std::int32_t>& kinds) {
     constexpr int enoughQuestions = 100;
     FakeMedia& still = stage.insert(photo("photo.jpg"));
     stage.setParam(photoNeed, 1);
-    useKindsQuietly(stage, {1, 4});
+    useKindsQuietly(stage, kinds);
     // It would never end, so the parameter is taken back from within it.
     int questions = 0;
     still.onTypeQuery = [&] {
@@ -315,7 +316,26 @@ const std::vector<ComponentCheck> selectionChecks = {
     {"selection.examines-photo-over-and-over",
      "With the face kind as the very first a photo is examined again and again, gets a record each "
      "time, and starts no task.",
-     examinesPhotoOverAndOver},
+     [](Stage& stage) {
+         expectNoEnd(stage, {1, 4});
+     }},
+    {"selection.looks-for-no-later-face-kind",
+     "A photo is examined again and again with a kind 1 as the very first, also where another kind "
+     "1 stands behind it.",
+     [](Stage& stage) {
+         expectNoEnd(stage, {1, 4, 1});
+     }},
+    {"selection.looks-for-no-kind-7-instead",
+     "A photo is examined again and again with a kind 1 as the very first, also where a kind 7 "
+     "stands behind it.",
+     [](Stage& stage) {
+         expectNoEnd(stage, {1, 7});
+     }},
+    {"selection.examines-photo-for-kind-7-too",
+     "Without a kind 1 a photo is examined again and again with a kind 7 as the very first.",
+     [](Stage& stage) {
+         expectNoEnd(stage, {7, 4});
+     }},
     {"selection.covers-short-videos",
      "The default record goes from 0 to the duration, points to the middle and has score 1.0.",
      coversShortVideos},

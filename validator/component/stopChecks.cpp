@@ -168,12 +168,41 @@ void worksInsideTaskStart(Stage& stage) {
     expectEqual("the events", listener.events(), Events{4});
 }
 
+void countsBeforeTasksStop(Stage& stage) {
+    const Running run(stage);
+    // It comes to its end by itself, right before it would be stopped.
+    stage.task(0).stopSilently();
+    stage.task(0).onCall("stop", [&] { stage.task(0).finish(); });
+    run.stop();
+    expectLines("what stop() did", stage.journal(), {"task0.stop", "task1.stop", "task2.stop"});
+}
+
 void keepsNextTaskFromStarting(Stage& stage) {
     const Running run(stage);
     stage.task(0).onCall("getResultList", [&] { stage.component().stop(); });
     stage.task(0).finish();
     expectLines("the starts", startsSinceLastLook(stage), {});
     expectEqual("the events", run.listener.events(), Events{});
+}
+
+void letsFinishedTaskCount(Stage& stage) {
+    RecordingListener listener;
+    stage.component().addCallBack(&listener);
+    stage.insert(clip("a.mp4").cacheIn(stage.directory()));
+    stage.insert(photo("b.jpg"));
+    stage.insert(video("c.mp4", second));
+    stage.useKinds({4, 3});
+    stage.component().start();
+    stage.task(0).finish();
+    stage.task(1).onCall("getResultList", [&] { stage.component().stop(); });
+    stage.task(1).finish();
+    expectLines("the records", recordLines(stage),
+                {"a.mp4 [0, 400000000) at 100000000: 0.12000000029999999 {0.0, 0.0, 0.0, 0.0}",
+                 "a.mp4 [410000000, 1000000000) at 600000000: 0.1770000003 {0.0, 0.0, 0.0, 0.0}",
+                 "b.jpg [0, 1) at 0: 1.0 {0.0, 0.0, 0.0, 0.0}",
+                 "c.mp4 [0, 10000000) at 5000000: 1.0 {0.0, 0.0, 0.0, 0.0}"});
+    expectEqual("the events", listener.events(), Events{2});
+    expect(!stage.resultText().empty(), "the result file", "a text", "none");
 }
 
 void keepsFirstTaskFromStarting(Stage& stage) {
@@ -225,9 +254,16 @@ const std::vector<ComponentCheck> stopChecks = {
      worksFromAnotherThread},
     {"stop.works-inside-task-start", "stop() inside the start of a task cancels the run.",
      worksInsideTaskStart},
+    {"stop.counts-before-tasks-stop",
+     "A task that finishes while stop() is about to stop it leads to nothing more.",
+     countsBeforeTasksStop},
     {"stop.keeps-next-task-from-starting",
      "When stop() comes while results are taken in, the next task is not started.",
      keepsNextTaskFromStarting},
+    {"stop.lets-a-finished-task-count",
+     "When stop() comes while the last results are taken in, they are kept and written, the "
+     "materials that need no task get their records, and the run tells its end.",
+     letsFinishedTaskCount},
     {"stop.keeps-first-task-from-starting",
      "When stop() comes while the first material is chosen, start() starts nothing and returns "
      "1001.",

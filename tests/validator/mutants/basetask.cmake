@@ -169,3 +169,9 @@ add_component_mutant(priority-counts-at-once
     for (const auto& task : tasks)
         task->setPriority(priority);]]
   CAUGHT_BY basetask.priority-counts-at-next-start)
+
+add_component_mutant(priority-clamped
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    taskPriority = priority;]]
+  BY [[    taskPriority = std::min(priority, 100U);]]
+  CAUGHT_BY basetask.priority-is-stored)

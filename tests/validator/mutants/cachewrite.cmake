@@ -121,3 +121,34 @@ add_component_mutant(cachewrite-default-records-too
     saveMaterialAnalysisResult(media, {result.get()});
 ]]
   CAUGHT_BY cachewrite.default-records-are-not-written)
+
+add_component_mutant(file-opened-before-logged
+  SOURCE ResultCache.cpp
+  REPLACE [[    logLine(function, "write analysisCachePath: ", path.string());
+    const std::filesystem::path file = fileAt(path);
+    std::ofstream stream;
+    if (!isNoRegularFile(file)) stream.open(file);]]
+  BY [[    const std::filesystem::path file = fileAt(path);
+    std::ofstream stream;
+    if (!isNoRegularFile(file)) stream.open(file);
+    logLine(function, "write analysisCachePath: ", path.string());]]
+  CAUGHT_BY cachewrite.path-is-logged)
+
+add_component_mutant(file-written-twice
+  SOURCE ResultCache.cpp
+  REPLACE [[    stream.write(text.data(), static_cast<std::streamsize>(text.size()));]]
+  BY [[    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    std::ofstream(file.string() + ".bak") << text;]]
+  CAUGHT_BY cachewrite.leaves-nothing-beside)
+
+add_component_mutant(directory-looked-for-by-itself
+  SOURCE ResultCache.cpp
+  REPLACE [[if (!PathUtil::exists(directory))]]
+  BY [[if (!std::filesystem::exists(fileAt(directory)))]]
+  CAUGHT_BY cachewrite.existence-is-the-hosts)
+
+add_component_mutant(file-joined-by-itself
+  SOURCE ResultCache.cpp
+  REPLACE [[PathUtil::join(Path(mediaCache), Path("/analysis"))]]
+  BY [[Path(std::string(mediaCache) + "/analysis")]]
+  CAUGHT_BY cachewrite.path-is-joined-by-host)

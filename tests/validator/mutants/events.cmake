@@ -149,3 +149,29 @@ add_component_mutant(failures-count-as-finishes
             break;
         case]]
   CAUGHT_BY events.passes-on-failures failure.of-tasks-ends-no-run)
+
+add_component_mutant(progress-clamped
+  SOURCE Progress.cpp
+  REPLACE [[shareDone(position, taskPercent) * position.scale]]
+  BY [[shareDone(position, std::clamp(taskPercent, 0, 100)) * position.scale]]
+  CAUGHT_BY events.progress-is-cut-toward-zero)
+
+add_component_mutant(progress-rounded-down
+  SOURCE Progress.cpp
+  REPLACE [[std::clamp<double>(percent,]]
+  BY [[std::clamp<double>(std::floor(percent),]]
+  CAUGHT_BY events.progress-is-cut-toward-zero)
+
+add_component_mutant(reserved-operation-fails
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[Status KorMaterialAnalysis::onReserved() {
+    return statusOk;]]
+  BY [[Status KorMaterialAnalysis::onReserved() {
+    return statusFailed;]]
+  CAUGHT_BY events.reserved-operation-gives-0)
+
+add_component_mutant(progress-a-little-more
+  SOURCE Progress.cpp
+  REPLACE [[position.scale * 100;]]
+  BY [[position.scale * 100 + 0.01;]]
+  CAUGHT_BY events.progress-is-truncated)

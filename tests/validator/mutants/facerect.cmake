@@ -44,3 +44,10 @@ add_component_mutant(facerect-from-null-list
   REPLACE [[if (found == nullptr || found->count() <= 0) return;]]
   BY [[if (found->count() <= 0) return;]]
   CAUGHT_BY facerect.no-list-leaves-zero)
+
+add_component_mutant(facerect-whole-without-list
+  SOURCE PictureIntake.cpp
+  REPLACE [[    if (found == nullptr || found->count() <= 0) return;]]
+  BY [[    if (found == nullptr) analysisResults.back()->faceRectOfPhoto = {0.0, 0.0, 1.0, 1.0};
+    if (found == nullptr || found->count() <= 0) return;]]
+  CAUGHT_BY facerect.no-list-leaves-zero)

@@ -73,3 +73,16 @@ add_component_mutant(undeletable-file-is-taken
         return false;]]
   BY [[        return !FileUtil::remove(file);]]
   CAUGHT_BY failure.of-deleting-ends-no-run)
+
+add_component_mutant(unprepared-task-not-started
+  SOURCE TaskLaunch.cpp
+  REPLACE [[    const Status started = task.start();]]
+  BY [[    if (prepared == statusFailed) return statusFailed;
+    const Status started = task.start();]]
+  CAUGHT_BY failure.of-one-list-ends-no-run failure.of-all-lists-ends-no-run)
+
+add_component_mutant(missing-list-leaves-no-scene
+  SOURCE ResultIntake.cpp
+  REPLACE [[        if (scenceRanges.empty()) {]]
+  BY [[        if (found && scenceRanges.empty()) {]]
+  CAUGHT_BY failure.of-list-loses-what-it-held)

@@ -79,3 +79,9 @@ add_component_mutant(one-component-for-all
     identity.factory-makes-another
     identity.components-keep-their-own
     identity.parameters-are-not-shared)
+
+add_component_mutant(null-name-gives-base
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    if (name == nullptr) return nullptr;]]
+  BY [[    if (name == nullptr) return static_cast<IDmBaseObj*>(this);]]
+  CAUGHT_BY identity.query-null-name)

@@ -115,3 +115,10 @@ add_component_mutant(stream-is-taken-for-granted
   REPLACE [[    if (stream_ != nullptr) stream_->close();]]
   BY [[    stream_->close();]]
   CAUGHT_BY launch-faults.no-stream)
+
+add_component_mutant(launch-needs-a-logger
+  SOURCE TaskLaunch.cpp
+  REPLACE [[    const Status started = task.start();]]
+  BY [[    if (loggerWrapper(0) == nullptr) return statusFailed;
+    const Status started = task.start();]]
+  CAUGHT_BY launch-faults.no-logger logs.absent-logger-changes-nothing)

@@ -205,3 +205,10 @@ add_component_mutant(removal-ends-results
   BY [[    if (index < 0 || static_cast<std::size_t>(index) >= materials.size()) return statusFailed;
     analysisResults.clear();]]
   CAUGHT_BY materials.removal-leaves-results counting.end-releases-results)
+
+add_component_mutant(removal-passes-as-many-as-materials
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    const std::int64_t passes = list->count();]]
+  BY [[    const auto all = static_cast<std::int64_t>(materials.size());
+    const std::int64_t passes = std::min(list->count(), all);]]
+  CAUGHT_BY materials.asks-for-each-index)

@@ -93,3 +93,10 @@ add_component_mutant(payload-at-byte-0
     options.short-record-suffices
     options.type-is-ignored
     parameters.threshold-is-kept-as-it-is)
+
+add_component_mutant(null-key-is-fine
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    if (key == nullptr || value == nullptr) return statusFailed;]]
+  BY [[    if (value == nullptr) return statusFailed;
+    if (key == nullptr) return statusOk;]]
+  CAUGHT_BY options.null-key-fails)

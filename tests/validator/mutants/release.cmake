@@ -40,3 +40,9 @@ add_component_mutant(copies-share-one-reference
         result->media->addRef();]]
   BY [[        copy.release();]]
   CAUGHT_BY release.leaves-results-to-the-host)
+
+add_component_mutant(scene-pairs-leaked
+  SOURCE TaskLaunch.cpp
+  REPLACE [[        status = combined(status, ranges->append(pairs.back().get()));]]
+  BY [[        status = combined(status, ranges->append(pairs.back().release()));]]
+  CAUGHT_BY release.takes-no-more-memory)

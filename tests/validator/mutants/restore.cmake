@@ -138,3 +138,22 @@ add_component_mutant(restore-every-material
   BY [[    while (IDmBaseMedia* const media = currentMaterial()) {
         restoreMaterialAnalysisResult(media);]]
   CAUGHT_BY restore.photo-reads-no-file restore.short-video-reads-no-file)
+
+add_component_mutant(restore-deletes-by-itself
+  SOURCE ResultCache.cpp
+  REPLACE [[        FileUtil::remove(file);]]
+  BY [[        std::error_code error;
+        std::filesystem::remove(fileAt(file), error);]]
+  CAUGHT_BY restore.undeletable-file-does-not-matter)
+
+add_component_mutant(restore-looks-by-itself
+  SOURCE ResultCache.cpp
+  REPLACE [[    if (!PathUtil::exists(file)) {]]
+  BY [[    if (!std::filesystem::exists(fileAt(file))) {]]
+  CAUGHT_BY restore.existence-is-the-hosts)
+
+add_component_mutant(restore-joins-by-itself
+  SOURCE ResultCache.cpp
+  REPLACE [[PathUtil::join(Path(mediaCache), Path("/analysis/result.json"))]]
+  BY [[Path(std::string(mediaCache) + "/analysis/result.json")]]
+  CAUGHT_BY restore.path-is-joined-by-host)

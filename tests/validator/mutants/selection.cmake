@@ -165,3 +165,30 @@ add_component_mutant(photos-without-record
 ]]
   BY [[]]
   CAUGHT_BY selection.takes-other-codes-as-photos selection.analyses-no-photo-by-default)
+
+add_component_mutant(photo-takes-later-face-kind
+  SOURCE Selection.cpp
+  REPLACE [[        const auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);]]
+  BY [[        auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);
+        if (found != analysisKinds.end() && found == analysisKinds.begin()) {
+            const auto later = std::find(found + 1, analysisKinds.end(), kind);
+            if (later != analysisKinds.end()) found = later;
+        }]]
+  CAUGHT_BY selection.looks-for-no-later-face-kind)
+
+add_component_mutant(photo-takes-kind-7-instead
+  SOURCE Selection.cpp
+  REPLACE [[        const auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);]]
+  BY [[        const auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);
+        if (kind == analysisKindFace && found == analysisKinds.begin() &&
+            std::find(found, analysisKinds.end(), analysisKindFaceAndEntropy) !=
+                analysisKinds.end())
+            continue;]]
+  CAUGHT_BY selection.looks-for-no-kind-7-instead)
+
+add_component_mutant(photo-passes-over-kind-7
+  SOURCE Selection.cpp
+  REPLACE [[        const auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);]]
+  BY [[        const auto found = std::find(analysisKinds.begin(), analysisKinds.end(), kind);
+        if (kind == analysisKindFaceAndEntropy && found == analysisKinds.begin()) continue;]]
+  CAUGHT_BY selection.examines-photo-for-kind-7-too)

@@ -8,6 +8,21 @@ add_component_mutant(stop-sets-no-flag
   CAUGHT_BY stop.ignores-finish-behind-it stop.comes-to-no-end listeners.may-stop
     threads.bears-racing-stop nesting.ends-by-stop)
 
+add_component_mutant(stop-sets-flag-last
+  SOURCE RunDriver.cpp
+  REPLACE [[    cancelled.exchange(1);
+    // A task may report in its stop, and a listener release the component in there.
+    const std::vector<Ref<IKorBaseTask>> toStop = tasks;
+    for (const Ref<IKorBaseTask>& task : toStop)
+        task->stop();]]
+  BY [[    const std::vector<Ref<IKorBaseTask>> toStop = tasks;
+    addRef();
+    for (const Ref<IKorBaseTask>& task : toStop)
+        task->stop();
+    cancelled.exchange(1);
+    release();]]
+  CAUGHT_BY stop.counts-before-tasks-stop)
+
 add_component_mutant(stop-gives-status-of-tasks
   SOURCE RunDriver.cpp
   REPLACE [[        task->stop();
@@ -93,3 +108,22 @@ add_component_mutant(stop-only-once
   REPLACE [[    cancelled.exchange(1);]]
   BY [[    if (cancelled.exchange(1) != 0) return statusOk;]]
   CAUGHT_BY stop.stops-tasks-each-time)
+
+add_component_mutant(stop-keeps-end-from-being-told
+  SOURCE RunDriver.cpp
+  REPLACE [[isBeyondLastMaterial() ? finishedAllAnalysis()]]
+  BY [[isBeyondLastMaterial() && cancelled.load() == 0 ? finishedAllAnalysis()]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
+
+add_component_mutant(stop-ends-choice-of-material
+  SOURCE RunDriver.cpp
+  REPLACE [[    while (IDmBaseMedia* const media = currentMaterial()) {]]
+  BY [[    while (IDmBaseMedia* const media = currentMaterial()) {
+        if (cancelled.load() != 0) return;]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
+
+add_component_mutant(stop-keeps-file-from-being-written
+  SOURCE AutoTrim.cpp
+  REPLACE [[    saveMaterialAnalysisResult(media, ofMaterial);]]
+  BY [[    if (cancelled.load() == 0) saveMaterialAnalysisResult(media, ofMaterial);]]
+  CAUGHT_BY stop.lets-a-finished-task-count)
