@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "validator/Interrupt.h"
 #include "validator/Subprocess.h"
 
 extern char** environ;
@@ -52,12 +53,13 @@ private:
     posix_spawnattr_t attributes_;
 };
 
-/// Waits for the process, at most until `deadline`. Returns whether it has ended by then.
+/// Waits for the process, at most until `deadline` or an interrupt. Returns whether it has ended by
+/// then.
 bool endedBefore(std::chrono::steady_clock::time_point deadline, pid_t process, int& status) {
     // A check takes a few milliseconds; looking this often costs nothing beside it.
     constexpr auto pause = std::chrono::milliseconds(1);
     while (waitpid(process, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() >= deadline) return false;
+        if (isInterrupted() || std::chrono::steady_clock::now() >= deadline) return false;
         std::this_thread::sleep_for(pause);
     }
     return true;
@@ -77,6 +79,7 @@ Ending endingBy(int status) {
 
 Ending runProgram(const std::vector<std::string>& command, const std::filesystem::path& output,
                   std::chrono::milliseconds limit) {
+    if (isInterrupted()) throw Interrupted();
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const pid_t process = Setting(output).start(command);
     int status = 0;
@@ -84,6 +87,7 @@ Ending runProgram(const std::vector<std::string>& command, const std::filesystem
     kill(-process, SIGKILL);
     if (isInTime) return endingBy(status);
     waitpid(process, &status, 0);
+    if (isInterrupted()) throw Interrupted();
     return {false, false, "had not ended after " + std::to_string(limit.count()) + " ms"};
 }
 
