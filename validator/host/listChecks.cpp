@@ -2,11 +2,11 @@
 #include <atomic>
 #include <limits>
 #include <new>
-#include <thread>
 
 #include "validator/host/BlockWatch.h"
 #include "validator/host/baseObject.h"
 #include "validator/host/groups.h"
+#include "validator/host/onThreads.h"
 
 namespace validator {
 namespace {
@@ -125,18 +125,14 @@ void areSeparate(HostLibrary& host) {
 
 void areMadeOnThreads(HostLibrary& host) {
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (std::int32_t n = 0; n < 4; ++n) {
-        threads.emplace_back([&, n] {
-            for (int i = 0; i < 500; ++i) {
-                const auto list = host.intList({n, n + 1});
-                const auto owning = host.owningList({::operator new(8)});
-                if (list->count() != 2 || list->at(1) != n + 1 || owning->count() != 1) ++wrong;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(4, [&](std::size_t number) {
+        const auto n = static_cast<std::int32_t>(number);
+        for (int i = 0; i < 500; ++i) {
+            const auto list = host.intList({n, n + 1});
+            const auto owning = host.owningList({::operator new(8)});
+            if (list->count() != 2 || list->at(1) != n + 1 || owning->count() != 1) ++wrong;
+        }
+    });
     expectEqual("lists with other elements than were appended", wrong.load(), 0);
 }
 

@@ -1,8 +1,8 @@
 #include <fstream>
-#include <thread>
 
 #include "validator/host/exports.h"
 #include "validator/host/groups.h"
+#include "validator/host/onThreads.h"
 
 namespace validator {
 namespace {
@@ -189,19 +189,14 @@ void lengths(HostLibrary& host) {
 }
 
 void work(HostLibrary& host) {
-    std::vector<std::thread> threads;
     std::vector<int> made(4);
-    for (std::size_t n = 0; n < made.size(); ++n) {
-        threads.emplace_back([&, n] {
-            for (int i = 0; i < 50; ++i) {
-                // All of them make the same directories.
-                const std::string directory = joined(host, place(host, "many"), std::to_string(i));
-                if (create(host, directory) && exists(host, directory)) ++made[n];
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(made.size(), [&](std::size_t n) {
+        for (int i = 0; i < 50; ++i) {
+            // All of them make the same directories.
+            const std::string directory = joined(host, place(host, "many"), std::to_string(i));
+            if (create(host, directory) && exists(host, directory)) ++made[n];
+        }
+    });
     expectEqual("directories that each of four threads has made or found", made,
                 std::vector<int>(4, 50));
 }

@@ -1,12 +1,12 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <thread>
 
 #include "validator/host/Run.h"
 #include "validator/host/baseObject.h"
 #include "validator/host/exports.h"
 #include "validator/host/groups.h"
+#include "validator/host/onThreads.h"
 
 namespace validator {
 namespace {
@@ -200,19 +200,14 @@ void hasNoResultsAtFirst(HostLibrary& host) {
 }
 
 void areMadeOnThreads(HostLibrary& host) {
-    std::vector<std::thread> threads;
     std::vector<int> made(4);
-    for (int& count : made) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 100; ++i) {
-                const auto task = host.task({1, 9});
-                task->setTaskName("one of many");
-                if (task->refCount() == 1) ++count;
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(made.size(), [&](std::size_t n) {
+        for (int i = 0; i < 100; ++i) {
+            const auto task = host.task({1, 9});
+            task->setTaskName("one of many");
+            if (task->refCount() == 1) ++made[n];
+        }
+    });
     expectEqual("tasks with one reference, by thread", made, std::vector<int>(4, 100));
 }
 
