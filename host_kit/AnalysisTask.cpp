@@ -147,8 +147,8 @@ KOR::Status AnalysisTask::start() {
     AnalysisRequest work = request();
     const std::optional<std::stop_source> source = channel->begin();
     if (!source) return KOR::statusFailed;
-    if (analysable) analysable->noteAnalysis();
     try {
+        if (analysable) analysable->noteAnalysis();
         Workers::instance().launch(
             *source, [channel, analysable, work = std::move(work), stop = source->get_token()] {
                 run(*channel, analysable.get(), work, stop);

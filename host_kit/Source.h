@@ -23,7 +23,8 @@ public:
     virtual AnalysisResults analyse(const AnalysisRequest& request, const std::stop_token& stop,
                                     ProgressMeter& progress) = 0;
 
-    /// Is told that a run begins, on the thread that starts it.
+    /// Is told that a run begins, on the thread that starts it. Where it throws std::exception, no
+    /// run is started.
     virtual void noteAnalysis() {}
 
     /// Is told that a run has ended well, before anyone else is.

@@ -47,7 +47,8 @@ std::string lastWords(const std::filesystem::path& output) {
 Verdict crashed(const Ending& ending, const std::filesystem::path& output) {
     Verdict verdict;
     verdict.outcome = Outcome::crash;
-    verdict.found = ending.how + lastWords(output);
+    verdict.found =
+        (ending.isGood ? "ended early, as by exit(): it " : "") + ending.how + lastWords(output);
     return verdict;
 }
 

@@ -37,12 +37,7 @@ std::vector<Judged> judge(const Checker& checker, const std::vector<ListedCheck>
     std::vector<Judged> judged;
     for (const ListedCheck& check : checks)
         judged.push_back({check, {}});
-    if (judged.empty()) return judged;
-    judged.front().verdict = checker.verdictOn(judged.front().check.id, options);
-    if (judged.front().check.id == "library.loads" && isFault(judged.front().verdict)) {
-        judged.resize(1);
-    }
-    std::atomic<std::size_t> next{1};
+    std::atomic<std::size_t> next{0};
     const auto work = [&] {
         for (std::size_t i = next++; i < judged.size(); i = next++)
             judged[i].verdict = checker.verdictOn(judged[i].check.id, options);

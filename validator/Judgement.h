@@ -18,8 +18,7 @@ struct Judged {
 std::vector<ListedCheck> chosen(const std::vector<ListedCheck>& checks,
                                 const std::vector<std::string>& only);
 
-/// Tries the checks, some at once, and returns them in their order. Where the first one is that the
-/// library loads, and it does not, there is nothing more to try, and only that one is returned.
+/// Tries the checks, some at once, and returns them in their order.
 std::vector<Judged> judge(const Checker& checker, const std::vector<ListedCheck>& checks,
                           const Options& options);
 

@@ -54,7 +54,9 @@ std::variant<Options, Answer> parseOptions(const std::vector<std::string>& argum
     app.set_version_flag("--version", "material-analysis-validator " VALIDATOR_VERSION);
     app.allow_windows_style_options(false);  // a path may begin with "/" there, too
     app.require_subcommand(1);
-    app.footer("Exit status: 0 when no check fails, 1 when one fails or crashes, 2 for wrong use.");
+    app.footer(
+        "Exit status: 0 when no check fails, 1 when one fails or crashes, 2 for wrong use, 130 "
+        "when interrupted.");
     CLI::App& component = *app.add_subcommand("component", "Judge a build of the component");
     CLI::App& host = *app.add_subcommand("host", "Judge a host's library");
     addOptions(component, options, seconds);

@@ -16,8 +16,9 @@ struct Ending {
 
 /// Runs `command` (a program's path and its arguments, UTF-8) to its end, its standard output and
 /// error together in the file `output`, without an input. What it has started and left behind is
-/// ended, too, save, where there are process groups, what has left that of the program. Any thread. Throws std::runtime_error, which names the program, when it cannot be
-/// started.
+/// ended, too, save, where there are process groups, what has left that of the program. Any thread.
+/// Throws std::runtime_error, which names the program, when it cannot be started, and Interrupted
+/// when isInterrupted() before it has ended; it is ended then.
 Ending runProgram(const std::vector<std::string>& command, const std::filesystem::path& output,
                   std::chrono::milliseconds limit);
 

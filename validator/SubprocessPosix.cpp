@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "validator/Interrupt.h"
 #include "validator/Subprocess.h"
 
 extern char** environ;
@@ -52,15 +53,15 @@ private:
     posix_spawnattr_t attributes_;
 };
 
-/// Waits for the process, at most until `deadline`. Returns whether it has ended by then. Its
-/// number stays its own, and that of its group, until its status is taken.
+/// Waits for the process, at most until `deadline` or an interrupt. Returns whether it has ended by
+/// then. Its number stays its own, and that of its group, until its status is taken.
 bool endedBefore(std::chrono::steady_clock::time_point deadline, pid_t process) {
     // A check takes a few milliseconds; looking this often costs nothing beside it.
     constexpr auto pause = std::chrono::milliseconds(1);
     siginfo_t ended{};
     while (waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOHANG | WNOWAIT) == 0 &&
            ended.si_pid == 0) {
-        if (std::chrono::steady_clock::now() >= deadline) return false;
+        if (isInterrupted() || std::chrono::steady_clock::now() >= deadline) return false;
         std::this_thread::sleep_for(pause);
     }
     return true;
@@ -80,6 +81,7 @@ Ending endingBy(int status) {
 
 Ending runProgram(const std::vector<std::string>& command, const std::filesystem::path& output,
                   std::chrono::milliseconds limit) {
+    if (isInterrupted()) throw Interrupted();
     const auto deadline = std::chrono::steady_clock::now() + limit;
     const pid_t process = Setting(output).start(command);
     const bool isInTime = endedBefore(deadline, process);
@@ -87,6 +89,7 @@ Ending runProgram(const std::vector<std::string>& command, const std::filesystem
     int status = 0;
     waitpid(process, &status, 0);
     if (isInTime) return endingBy(status);
+    if (isInterrupted()) throw Interrupted();
     return {false, false, "had not ended after " + std::to_string(limit.count()) + " ms"};
 }
 

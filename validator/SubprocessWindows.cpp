@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "validator/Interrupt.h"
 #include "validator/Subprocess.h"
 
 namespace validator {
@@ -49,6 +50,17 @@ Handle makeJob() {
     return job;
 }
 
+/// Waits for the process, at most for `limit` or until an interrupt. Returns whether it has ended.
+bool endedWithin(std::chrono::milliseconds limit, HANDLE process) {
+    // The end is noticed at once, an interrupt after this long.
+    constexpr DWORD pauseMs = 20;
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (WaitForSingleObject(process, pauseMs) != WAIT_OBJECT_0) {
+        if (isInterrupted() || std::chrono::steady_clock::now() >= deadline) return false;
+    }
+    return true;
+}
+
 Ending endingBy(DWORD code) {
     return {code == 0, true, "ended with exit status " + std::to_string(code)};
 }
@@ -57,6 +69,7 @@ Ending endingBy(DWORD code) {
 
 Ending runProgram(const std::vector<std::string>& command, const std::filesystem::path& output,
                   std::chrono::milliseconds limit) {
+    if (isInterrupted()) throw Interrupted();
     std::wstring line;
     for (const std::string& argument : command)
         appendQuoted(line, wide(argument));
@@ -80,10 +93,10 @@ Ending runProgram(const std::vector<std::string>& command, const std::filesystem
     const Handle thread(made.hThread);
     AssignProcessToJobObject(job.get(), process.get());
     ResumeThread(thread.get());
-    const auto waited = WaitForSingleObject(process.get(), static_cast<DWORD>(limit.count()));
-    if (waited != WAIT_OBJECT_0) {
+    if (!endedWithin(limit, process.get())) {
         TerminateProcess(process.get(), 1);
         WaitForSingleObject(process.get(), INFINITE);
+        if (isInterrupted()) throw Interrupted();
         return {false, false, "had not ended after " + std::to_string(limit.count()) + " ms"};
     }
     DWORD code = 0;

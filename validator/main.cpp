@@ -7,6 +7,7 @@
 
 #include "validator/Checker.h"
 #include "validator/ExitCode.h"
+#include "validator/Interrupt.h"
 #include "validator/Judgement.h"
 #include "validator/Options.h"
 #include "validator/Report.h"
@@ -22,12 +23,15 @@ void print(const std::string& text) {
 
 int carryOut(const Options& options) {
     const Checker checker(programOf(options.side));
-    const auto checks = chosen(checker.list(), options.only);
+    const auto all = checker.list();
+    const auto checks = chosen(all, options.only);
     if (options.lists) {
         print(options.json ? listJson(checks) : listText(checks));
         return exitCode::ok;
     }
-    const auto judged = judge(checker, checks, options);
+    // Whatever is chosen needs the library.
+    auto judged = judge(checker, chosen(all, {"library.loads"}), options);
+    if (!hasFaults(judged)) judged = judge(checker, checks, options);
     print(options.json ? reportJson(judged, options) : reportText(judged, options));
     return hasFaults(judged) ? exitCode::foundFaults : exitCode::ok;
 }
@@ -46,7 +50,11 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argumentCount, char** arguments) {
     try {
+        validator::noticeInterrupts();
         return validator::run({arguments + 1, arguments + argumentCount});
+    } catch (const validator::Interrupted&) {
+        std::fprintf(stderr, "material-analysis-validator: interrupted\n");
+        return validator::exitCode::interrupted;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "material-analysis-validator: %s\n", error.what());
         return validator::exitCode::wrongUse;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -60,6 +61,8 @@ bool write(const Verdict& verdict) {
 }
 
 int run(const RunnableCheck& check, const Occasion& occasion) {
+    // What a library prints before it crashes is to be found, though nothing but a file gets it.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     limitProcess(occasion.scratch);
     verdictPath = occasion.scratch / verdictFile;
     return write(tried(check, occasion)) ? 0 : 2;

@@ -29,6 +29,12 @@ struct Material {
     std::string cache() const { return source->getMediaInfoText("media_cache"); }
 };
 
+/// Whether this is the type of a video; every other code stands for a photo.
+constexpr bool isTimeBased(std::uint32_t type) {
+    return type == KOR::mediaTypeAudioVideo || type == KOR::mediaTypeVideo ||
+           type == KOR::mediaTypeSequence;
+}
+
 /// A candidate: a host's library, loaded as an editor's is, so that its services are there for
 /// libraries that come later. It stays loaded until the process ends, since runs that were given up
 /// may go on for a while; the check is skipped where it cannot be loaded.

@@ -6,6 +6,7 @@
 
 #include "host/results.h"
 #include "host/tasks.h"
+#include "validator/host/Flag.h"
 #include "validator/host/HostLibrary.h"
 #include "validator/host/Listener.h"
 
@@ -76,6 +77,10 @@ public:
 inline const Milestones finished = {KOR::taskEventFinished};
 inline const Milestones stopped = {KOR::taskEventStopped};
 inline const Milestones failedAndFinished = {KOR::taskEventFailed, KOR::taskEventFinished};
+
+/// Holds the run whose event is being told until `flag` is set. The check is skipped where the run
+/// goes on inside start(), as it may: nobody could set the flag then.
+void holdUntil(const Flag& flag);
 
 /// Lets whole runs go by for a while, so that one that was given up has the time to speak, if it
 /// would.

@@ -27,7 +27,7 @@ Farewell releasedWhileRunning(const HostLibrary& host) {
     Run run(host, {1}, video.source);
     run.listener.doInside([&](const Told& told) {
         if (told.event != KOR::taskEventProgress) return;
-        isReleasing.isSetWithin(patience);
+        holdUntil(isReleasing);
         if (hasReleased.isSetWithin(linger)) wasEarly = true;
     });
     run.task->setDestroyObserver(&observer);

@@ -110,7 +110,7 @@ void survivesPause(HostLibrary& host) {
     Flag isPaused;
     Run run(host, {1}, video.source);
     run.listener.doInside([&](const Told& told) {
-        if (told.event == KOR::taskEventProgress) isPaused.isSetWithin(patience);
+        if (told.event == KOR::taskEventProgress) holdUntil(isPaused);
     });
     run.start();
     run.listener.waitForProgress();

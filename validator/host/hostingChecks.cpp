@@ -54,9 +54,7 @@ public:
     const std::vector<Outcome>& outcomes() const { return outcomes_; }
 
 private:
-    bool isPhoto() const {
-        return materials_[material_]->media->getMediaType() == KOR::mediaTypePhoto;
-    }
+    bool isPhoto() const { return !isTimeBased(materials_[material_]->media->getMediaType()); }
 
     void begin() {
         outcomes_.emplace_back();

@@ -13,11 +13,6 @@ namespace {
 
 const std::vector<const char*> interfaces = {"IDmBaseObj", "IDmBaseMedia", "IDmSourceMedia"};
 
-bool isTimeBased(std::uint32_t type) {
-    return type == KOR::mediaTypeAudioVideo || type == KOR::mediaTypeVideo ||
-           type == KOR::mediaTypeSequence;
-}
-
 /// Calls `action` with a reference on a new material of each kind.
 template <typename Action>
 void withEachMaterial(const HostLibrary& host, Action action) {

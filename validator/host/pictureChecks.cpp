@@ -117,7 +117,13 @@ void measureEntropy(HostLibrary& host) {
            "above 2, 8 at most", shown(entropy));
 }
 
+/// Photos of ours are for hosts that read those.
+void needOurPhotos(const HostLibrary& host) {
+    if (!host.hasOurPhoto()) skip("the host is not said to read portable graymaps");
+}
+
 void measurePhotos(HostLibrary& host) {
+    needOurPhotos(host);
     const Material even = host.material(footage::evenPhoto(host.occasion().scratch));
     Run evenRun(host, {8}, even.source);
     evenRun.finish();
@@ -142,6 +148,7 @@ void measureSharpness(HostLibrary& host) {
 }
 
 void seeNoSharpness(HostLibrary& host) {
+    needOurPhotos(host);
     const Material photo = host.material(footage::evenPhoto(host.occasion().scratch));
     Run run(host, {2}, photo.source);
     run.finish();
@@ -172,6 +179,7 @@ void countFaces(HostLibrary& host) {
 }
 
 void seeNoFaces(HostLibrary& host) {
+    needOurPhotos(host);
     const Material photo = host.material(footage::evenPhoto(host.occasion().scratch));
     Run run(host, {3}, photo.source);
     run.finish();

@@ -11,7 +11,7 @@ void isRefusedWhileRunning(HostLibrary& host) {
     Flag isTried;
     Run run(host, {1}, video.source);
     run.listener.doInside([&](const Told& told) {
-        if (told.event == KOR::taskEventProgress) isTried.isSetWithin(patience);
+        if (told.event == KOR::taskEventProgress) holdUntil(isTried);
     });
     run.start();
     run.listener.waitForProgress();

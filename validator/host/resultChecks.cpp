@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -109,8 +110,9 @@ void tellOfFullLists(HostLibrary& host) {
         expectEqual("getResultList() into a list that takes " + shown(room) + " elements",
                     run.analysis.getResultList(3, 0, &list, 0), KOR::statusFailed);
         expectEqual("the elements that it has then", list.elements().size(), room);
-        expectEqual("blocks that are left behind",
-                    watch.liveOfSize(sizeof(KOR::FaceDetectFrame)) - room, std::size_t{0});
+        // Those of the list may be larger.
+        const std::size_t live = watch.liveOfSize(sizeof(KOR::FaceDetectFrame));
+        expectEqual("blocks that are left behind", std::max(live, room) - room, std::size_t{0});
     }
 }
 

@@ -16,7 +16,7 @@ public:
     HeldRun(const HostLibrary& host, KOR::IDmMediaSource* source) : run(host, {1}, source) {
         run.listener.doInside([this](const Told& told) {
             if (told.event != KOR::taskEventProgress) return;
-            isStopping.isSetWithin(patience);
+            holdUntil(isStopping);
             // stop() waits for this event, and so cannot have returned.
             if (hasStopped.isSetWithin(linger)) wasEarly = true;
         });

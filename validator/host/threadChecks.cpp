@@ -18,7 +18,7 @@ void tellOneAtATime(HostLibrary& host) {
     Run run(host, {1}, video.source);
     run.listener.doInside([&](const Told& told) {
         if (told.event != KOR::taskEventProgress) return;
-        isStopping.isSetWithin(patience);
+        holdUntil(isStopping);
         std::this_thread::sleep_for(linger);
     });
     run.task->addCallBack(&listener);
@@ -38,7 +38,7 @@ void runOnSeveral(HostLibrary& host) {
     Flag isOther;
     // The first run is held until the second one has ended.
     scenes.listener.doInside([&](const Told& told) {
-        if (told.event == KOR::taskEventProgress) isOther.isSetWithin(patience);
+        if (told.event == KOR::taskEventProgress) holdUntil(isOther);
     });
     scenes.start();
     scenes.listener.waitForProgress();
@@ -81,7 +81,7 @@ void holdSource(HostLibrary& host) {
     Flag isGone;
     Run run(host, {1}, video.source);
     run.listener.doInside([&](const Told& told) {
-        if (told.event == KOR::taskEventProgress) isGone.isSetWithin(patience);
+        if (told.event == KOR::taskEventProgress) holdUntil(isGone);
     });
     run.start();
     run.listener.waitForProgress();
