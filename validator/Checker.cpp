@@ -10,6 +10,7 @@
 #include "validator/ScratchDirectory.h"
 #include "validator/Subprocess.h"
 #include "validator/check/checker.h"
+#include "validator/check/lastHeld.h"
 #include "validator/check/shown.h"
 
 namespace validator {
@@ -44,11 +45,19 @@ std::string lastWords(const std::filesystem::path& output) {
     return ", after printing " + shown(text.substr(text.size() - length));
 }
 
-Verdict crashed(const Ending& ending, const std::filesystem::path& output) {
+/// What was as expected before a process crashed.
+std::string lastHeld(const std::filesystem::path& file) {
+    const std::string text = endOf(file, lastHeldLength);
+    const std::string what = text.substr(0, text.find('\0'));
+    return what.empty() ? "" : "; last found as expected: " + what;
+}
+
+Verdict crashed(const Ending& ending, const std::filesystem::path& files,
+                const std::filesystem::path& output) {
     Verdict verdict;
     verdict.outcome = Outcome::crash;
-    verdict.found =
-        (ending.isGood ? "ended early, as by exit(): it " : "") + ending.how + lastWords(output);
+    verdict.found = (ending.isGood ? "ended early, as by exit(): it " : "") + ending.how +
+                    lastWords(output) + lastHeld(files / lastHeldFile);
     return verdict;
 }
 
@@ -99,7 +108,7 @@ Verdict Checker::verdictOn(const std::string& id, const Options& options) const 
     const Ending ending = runProgram(command, output, options.timeLimit);
     const auto verdict = verdictFrom(endOf(files / verdictFile, longestVerdict));
     const bool isTrusted = ending.isGood || (verdict && verdict->outcome == Outcome::fail);
-    return verdict && isTrusted ? *verdict : crashed(ending, output);
+    return verdict && isTrusted ? *verdict : crashed(ending, files, output);
 }
 
 }  // namespace validator

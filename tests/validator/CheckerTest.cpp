@@ -26,7 +26,7 @@ Verdict verdictOn(const std::string& id, const Options& options = someOptions())
 
 TEST(Checker, ListsAllChecksInOrder) {
     const auto checks = Checker(ODD_CHECKS).list();
-    ASSERT_EQ(checks.size(), 19U);
+    ASSERT_EQ(checks.size(), 20U);
     EXPECT_EQ(checks[0].id, "odd.passes");
     EXPECT_EQ(checks[0].claim, "Nothing is wrong.");
     EXPECT_EQ(checks[1].id, "odd.fails");
@@ -85,6 +85,15 @@ TEST(Checker, SurvivesACrashAndQuotesItsLastWords) {
     const Verdict verdict = verdictOn("odd.crashes");
     EXPECT_EQ(verdict.outcome, Outcome::crash);
     EXPECT_NE(verdict.found.find("\"last words\""), std::string::npos) << verdict.found;
+}
+
+TEST(Checker, SaysWhatWasLastFoundAsExpectedBeforeACrash) {
+    const std::string found = verdictOn("odd.crashes-after-all-was-well").found;
+    EXPECT_TRUE(found.ends_with("; last found as expected: the last thing")) << found;
+}
+
+TEST(Checker, SaysNothingOfTheKindWhereNothingWasExpected) {
+    EXPECT_EQ(verdictOn("odd.crashes").found.find("as expected"), std::string::npos);
 }
 
 TEST(Checker, TrustsNoProcessThatEndsWithoutAVerdict) {

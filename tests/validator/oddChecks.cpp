@@ -53,6 +53,12 @@ const std::vector<RunnableCheck> checks = {
          std::puts("last words");
          std::abort();
      }},
+    {"odd.crashes-after-all-was-well", "The process lives on.",
+     [](const Occasion&) {
+         expectEqual("one", 1, 1);
+         expect(true, "the last thing", "well", "not well");
+         std::abort();
+     }},
     {"odd.ends-early", "The process does not end.", [](const Occasion&) { std::_Exit(0); }},
     {"odd.crashes-afterwards", "The process lives on to its end.",
      [](const Occasion&) { std::atexit([] { std::abort(); }); }},

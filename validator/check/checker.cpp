@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 
 #include "validator/check/expect.h"
+#include "validator/check/lastHeld.h"
 #include "validator/check/limitProcess.h"
 
 namespace validator {
@@ -65,6 +66,7 @@ int run(const RunnableCheck& check, const Occasion& occasion) {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     limitProcess(occasion.scratch);
     verdictPath = occasion.scratch / verdictFile;
+    keepLastHeld(occasion.scratch / lastHeldFile);
     return write(tried(check, occasion)) ? 0 : 2;
 }
 

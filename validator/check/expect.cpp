@@ -35,27 +35,32 @@ const std::vector<std::string>& warnings() {
 
 void expect(bool isTrue, std::string_view what, std::string_view expected, std::string_view found) {
     if (!isTrue) fail(what, expected, found);
+    held(what);
 }
 
 void expectSame(std::string_view what, const void* found, const void* expected) {
-    if (found == expected) return;
-    fail(what, expected == nullptr ? "null" : "that object",
-         found == nullptr ? "null" : "another object");
+    if (found != expected) {
+        fail(what, expected == nullptr ? "null" : "that object",
+             found == nullptr ? "null" : "another object");
+    }
+    held(what);
 }
 
 void expectObject(std::string_view what, const void* found) {
     if (found == nullptr) fail(what, "an object", "null");
+    held(what);
 }
 
 void expectNull(std::string_view what, const void* found) {
     if (found != nullptr) fail(what, "null", "an object");
+    held(what);
 }
 
 void expectLines(std::string_view what, const std::vector<std::string>& found,
                  const std::vector<std::string>& expected) {
     const auto [mine, theirs] =
         std::mismatch(found.begin(), found.end(), expected.begin(), expected.end());
-    if (mine == found.end() && theirs == expected.end()) return;
+    if (mine == found.end() && theirs == expected.end()) return held(what);
     const auto number = static_cast<std::size_t>(mine - found.begin());
     fail(std::string(what) + ", line " + std::to_string(number + 1), lineOrEnd(expected, number),
          lineOrEnd(found, number));

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "validator/check/lastHeld.h"
 #include "validator/check/shown.h"
 
 /// How checks say what they found. Each function returns when all is well, and throws otherwise.
@@ -40,6 +41,7 @@ template <typename Value>
 void expectEqual(std::string_view what, const Value& found,
                  const std::type_identity_t<Value>& expected) {
     if (!(found == expected)) fail(what, shown(expected), shown(found));
+    held(what);
 }
 
 /// Fails unless both pointers lead to the same object.

@@ -75,7 +75,9 @@ void refusesMissingNumbers(Stage& stage) {
 
 void survivesDepth(Stage& stage) {
     expectRefused(stage, std::string(1000000, '['), invalid);
-    expectRefused(stage, std::string("{\"version\":") + std::string(1000000, '['), invalid);
+    std::string text = "{\"version\":";
+    text.append(1000000, '[');
+    expectRefused(stage, text, invalid);
 }
 
 void readsExtremes(Stage& stage) {
