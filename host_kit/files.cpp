@@ -3,8 +3,23 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <string>
 #include <system_error>
 #include <utility>
+
+namespace {
+
+/// Empty, which is no file, where a system cannot have it.
+std::filesystem::path pathOf(const KOR::Path& path) {
+    const std::string& utf8 = path.string();
+    try {
+        return std::u8string(utf8.begin(), utf8.end());
+    } catch (const std::system_error&) {
+        return {};
+    }
+}
+
+}  // namespace
 
 namespace KOR {
 
@@ -20,7 +35,7 @@ namespace PathUtil {
 
 bool exists(const Path& path) {
     std::error_code error;
-    return std::filesystem::exists(path.string(), error);
+    return std::filesystem::exists(pathOf(path), error);
 }
 
 Path join(const Path& base, const Path& tail) {
@@ -39,8 +54,9 @@ namespace DirUtil {
 bool create(const Path& path) {
     // What stands there afterwards decides: another thread or process may have been faster.
     std::error_code error;
-    std::filesystem::create_directories(path.string(), error);
-    return std::filesystem::is_directory(path.string(), error);
+    const std::filesystem::path directory = pathOf(path);
+    std::filesystem::create_directories(directory, error);
+    return std::filesystem::is_directory(directory, error);
 }
 
 }  // namespace DirUtil
@@ -49,10 +65,9 @@ namespace FileUtil {
 
 bool remove(const Path& path) {
     std::error_code error;
-    const std::filesystem::file_status status =
-        std::filesystem::symlink_status(path.string(), error);
-    if (std::filesystem::is_directory(status)) return false;
-    return std::filesystem::remove(path.string(), error);
+    const std::filesystem::path file = pathOf(path);
+    if (std::filesystem::is_directory(std::filesystem::symlink_status(file, error))) return false;
+    return std::filesystem::remove(file, error);
 }
 
 }  // namespace FileUtil
