@@ -175,3 +175,12 @@ add_component_mutant(progress-a-little-more
   REPLACE [[position.scale * 100;]]
   BY [[position.scale * 100 + 0.01;]]
   CAUGHT_BY events.progress-is-truncated)
+
+# The smallest of all faults to find, and one that leaves checks nothing to look at.
+add_component_mutant(nobody-is-told
+  SOURCE ListenerList.cpp
+  REPLACE [[    const std::vector<Entry> told(entries_.begin(), entries_.end());]]
+  BY [[    const std::vector<Entry> told;]]
+  FAILED_BY events.progress-copies-payload events.progress-leaves-senders-payload
+    events.progress-without-payload-is-survived failure.of-tasks-ends-no-run listeners.may-stop
+    listeners.may-start-again)
