@@ -44,8 +44,8 @@ void tellsTheCount(Stage& stage) {
 
 void worksWithWhatIsLeft(Stage& stage) {
     stage.component().addRef();
-    stage.component().release();
     stage.insert(photo("photo.jpg"));
+    stage.component().release();
     stage.runToEnd();
     expectEqual("results", stage.results().size(), 1U);
 }

@@ -133,3 +133,10 @@ add_component_mutant(counts-on-one-thread
         delay = delay - 1;
     block_->references.store(before + 1);]]
   CAUGHT_BY counting.threads-may-count)
+
+add_component_mutant(every-release-gives-materials-back
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    return RefCnt<void>::release();]]
+  BY [[    materials.clear();
+    return RefCnt<void>::release();]]
+  FAILED_BY counting.works-with-what-is-left)

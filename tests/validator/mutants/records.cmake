@@ -146,3 +146,12 @@ add_component_mutant(records-are-not-given
     for (const OwnedResult& result]]
   FAILED_BY records.are-copies records.fields-in-order records.outlive-component
     records.outlive-removed-material)
+
+add_component_mutant(records-read-back-from-copies
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[        *copy = *result;]]
+  BY [[        static std::map<const void*, const MaterialAnalysisResult*> given;
+        const MaterialAnalysisResult*& last = given[result.get()];
+        *copy = last == nullptr ? *result : *last;
+        last = copy.get();]]
+  FAILED_BY records.are-copies)
