@@ -176,7 +176,7 @@ add_component_mutant(progress-a-little-more
   BY [[position.scale * 100 + 0.01;]]
   CAUGHT_BY events.progress-is-truncated)
 
-# The smallest of all faults to find, and one that leaves checks nothing to look at.
+# Leaves checks of what was told nothing to look at.
 add_component_mutant(nobody-is-told
   SOURCE ListenerList.cpp
   REPLACE [[    const std::vector<Entry> told(entries_.begin(), entries_.end());]]
