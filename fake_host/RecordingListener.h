@@ -4,6 +4,7 @@
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -56,8 +57,14 @@ public:
         return numbers;
     }
 
-    /// The percentage of the last event.
-    std::int32_t lastProgress() const { return heard_.back().payload.value().progress; }
+    /// The percentage of the last event. Throws std::logic_error where there was no event, or none
+    /// with a payload.
+    std::int32_t lastProgress() const {
+        if (heard_.empty() || !heard_.back().payload) {
+            throw std::logic_error("no event with a percentage was told last");
+        }
+        return heard_.back().payload->progress;
+    }
 
     /// Runs at the end of every event, with its number.
     std::function<void(std::uint32_t event)> onEvent;

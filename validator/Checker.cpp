@@ -95,6 +95,18 @@ std::vector<ListedCheck> Checker::list() const {
 }
 
 Verdict Checker::verdictOn(const std::string& id, const Options& options) const {
+    try {
+        return verdictOfProcess(id, options);
+    } catch (const std::runtime_error& error) {
+        // Others may fare better: that there was no room for one more process may pass.
+        Verdict verdict;
+        verdict.outcome = Outcome::crash;
+        verdict.found = std::string("could not be tried: ") + error.what();
+        return verdict;
+    }
+}
+
+Verdict Checker::verdictOfProcess(const std::string& id, const Options& options) const {
     const ScratchDirectory scratch;
     const std::filesystem::path output = scratch.path() / "output";
     const std::filesystem::path files = scratch.path() / "files";

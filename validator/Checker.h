@@ -28,10 +28,14 @@ public:
     /// Returns all checks in their order. Throws std::runtime_error when they cannot be listed.
     std::vector<ListedCheck> list() const;
 
-    /// Tries one check. Never throws for what a candidate does.
+    /// Tries one check. Never throws for what a candidate does; what keeps the check from being
+    /// tried is told as a crash. Throws Interrupted when isInterrupted() before it has ended.
     Verdict verdictOn(const std::string& id, const Options& options) const;
 
 private:
+    /// Throws std::runtime_error where there can be no directory or no process for the check.
+    Verdict verdictOfProcess(const std::string& id, const Options& options) const;
+
     std::filesystem::path program_;
 };
 

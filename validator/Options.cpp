@@ -1,17 +1,43 @@
 #include "validator/Options.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <limits>
 #include <sstream>
+#include <string>
+#include <system_error>
 #include <thread>
+#include <type_traits>
 
 #include <CLI/CLI.hpp>
 
 #include "validator/ExitCode.h"
+#include "validator/check/shown.h"
 
 namespace validator {
 namespace {
 
 constexpr unsigned mostJobs = 64;
+
+/// Takes numbers from `least` to `most` and nothing else: no sign that a type without one would
+/// lose, no number that is cut to fit, no "nan". Writes them so that they are not read as octal.
+template <typename Number>
+CLI::Validator numberFrom(Number least, Number most) {
+    const std::string range = shown(least) + " to " + shown(most);
+    const char* const kind = std::is_integral_v<Number> ? "a whole number from " : "a number from ";
+    const auto check = [=](std::string& input) {
+        Number number{};
+        const char* const end = input.data() + input.size();
+        const auto [last, error] = std::from_chars(input.data(), end, number);
+        const bool isNumber = error == std::errc() && last == end;
+        if (!isNumber || !(least <= number && number <= most))
+            return "has to be " + (kind + range) + ", not " + shown(input);
+        input = shown(number);
+        return std::string();
+    };
+    return {check, range};
+}
 
 /// What both commands have in common.
 void addOptions(CLI::App& command, Options& options, double& seconds) {
@@ -26,13 +52,13 @@ void addOptions(CLI::App& command, Options& options, double& seconds) {
     command.add_flag("--json", options.json, "Print a JSON object instead of text");
     command.add_flag("--verbose", options.verbose, "Name the checks that pass, too");
     command.add_option("--seed", options.seed, "Decides what checks choose at random")
-        ->check(CLI::NonNegativeNumber)
+        ->transform(numberFrom(std::uint64_t{0}, std::numeric_limits<std::uint64_t>::max()))
         ->capture_default_str();
     command.add_option("--timeout", seconds, "Seconds that each check may take")
-        ->check(CLI::Range(0.01, 3600.0))
+        ->transform(numberFrom(0.01, 3600.0))
         ->capture_default_str();
     command.add_option("--jobs", options.jobs, "Checks that are tried at once")
-        ->check(CLI::Range(1U, mostJobs))
+        ->transform(numberFrom(1U, mostJobs))
         ->capture_default_str();
 }
 

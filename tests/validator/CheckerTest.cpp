@@ -134,6 +134,13 @@ TEST(Checker, EndsACheckThatHangs) {
     EXPECT_EQ(verdict.found, "had not ended after 200 ms");
 }
 
+TEST(Checker, TellsOfACheckThatCannotBeTriedAsACrash) {
+    const Verdict verdict = Checker("/nowhere/checks").verdictOn("odd.passes", someOptions());
+    EXPECT_EQ(verdict.outcome, Outcome::crash);
+    const std::string reason = "could not be tried: cannot run /nowhere/checks: ";
+    EXPECT_EQ(verdict.found.substr(0, reason.size()), reason);
+}
+
 TEST(Checker, LeavesNoFilesBehind) {
     const auto directory = std::filesystem::temp_directory_path();
     const auto filesThere = [&] {

@@ -23,6 +23,12 @@ int exitCodeOf(const std::vector<std::string>& arguments) {
     return answer == nullptr ? -1 : answer->exitCode;
 }
 
+std::string answerTo(const std::vector<std::string>& arguments) {
+    const auto parsed = parseOptions(arguments);
+    const auto* const answer = std::get_if<Answer>(&parsed);
+    return answer == nullptr ? "" : answer->text;
+}
+
 // A file that surely exists.
 const std::string library = ODD_CHECKS;
 
@@ -77,6 +83,34 @@ TEST(Options, RefuseWrongUse) {
     };
     for (const auto& arguments : wrong)
         EXPECT_EQ(exitCodeOf(arguments), 2) << ::testing::PrintToString(arguments);
+}
+
+TEST(Options, NameTheRangeOfNumbers) {
+    const std::string usage = "\nRun with --help for more information.\n";
+    const std::string ofSeed =
+        "--seed: has to be a whole number from 0 to 18446744073709551615, not ";
+    const std::string ofJobs = "--jobs: has to be a whole number from 1 to 64, not ";
+    const std::string ofTimeout = "--timeout: has to be a number from 0.01 to 3600, not ";
+    const auto answer = [](const std::string& option, const std::string& value) {
+        return answerTo({"component", library, option + "=" + value});
+    };
+    for (const std::string value :
+         {"-1", "18446744073709551616", "1.5", "1e3", "0x10", "abc", "1 "})
+        EXPECT_EQ(answer("--seed", value), ofSeed + '"' + value + '"' + usage);
+    for (const std::string value : {"-1", "0", "65", "2.5", "many"})
+        EXPECT_EQ(answer("--jobs", value), ofJobs + '"' + value + '"' + usage);
+    for (const std::string value : {"-1", "0", "0.009", "3600.1", "nan", "inf", "1e400", "10s"})
+        EXPECT_EQ(answer("--timeout", value), ofTimeout + '"' + value + '"' + usage);
+}
+
+TEST(Options, TakeNumbersAsTheyAreWritten) {
+    EXPECT_EQ(optionsOf({"component", library, "--seed", "010"}).seed, 10U);
+    EXPECT_EQ(optionsOf({"component", library, "--seed", "0"}).seed, 0U);
+    EXPECT_EQ(optionsOf({"component", library, "--jobs", "064"}).jobs, 64U);
+    EXPECT_EQ(optionsOf({"component", library, "--timeout", "3600"}).timeLimit,
+              std::chrono::hours(1));
+    EXPECT_EQ(optionsOf({"component", library, "--timeout", "1e-2"}).timeLimit,
+              std::chrono::milliseconds(10));
 }
 
 TEST(Options, AnswerHelpAndVersion) {

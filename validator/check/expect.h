@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -52,6 +53,27 @@ void expectObject(std::string_view what, const void* found);
 
 /// Fails unless the pointer is null.
 void expectNull(std::string_view what, const void* found);
+
+/// Returns the element at `index`. Fails where there is none; `what` names all of them, as in
+/// "events".
+template <typename Value>
+Value elementOf(std::string_view what, const std::vector<Value>& values, std::size_t index) {
+    if (index < values.size()) return values[index];
+    fail("the number of " + std::string(what), "at least " + shown(index + 1),
+         shown(values.size()));
+}
+
+/// Returns the first element. Fails where there is none.
+template <typename Value>
+Value firstOf(std::string_view what, const std::vector<Value>& values) {
+    return elementOf(what, values, 0);
+}
+
+/// Returns the last element. Fails where there is none.
+template <typename Value>
+Value lastOf(std::string_view what, const std::vector<Value>& values) {
+    return elementOf(what, values, values.empty() ? 0 : values.size() - 1);
+}
 
 /// Fails unless both have the same lines, and says which is the first that differs. `what` names
 /// the whole, as in "the log".

@@ -1,5 +1,6 @@
 #include "validator/component/Stage.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -19,6 +20,16 @@ dynamic_library::DynamicLibrary loaded(const Occasion& occasion) {
 }
 
 }  // namespace
+
+Lines firstLines(const Lines& lines, std::size_t count) {
+    const std::size_t most = std::min(count, lines.size());
+    return {lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(most)};
+}
+
+Lines lastLines(const Lines& lines, std::size_t count) {
+    const std::size_t most = std::min(count, lines.size());
+    return {lines.end() - static_cast<std::ptrdiff_t>(most), lines.end()};
+}
 
 Owned<KOR::IKORIntList> intList(const std::vector<std::int32_t>& values) {
     Owned<KOR::IKORIntList> list(createKORIntList());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -23,6 +24,10 @@ constexpr std::int64_t second = KOR::ticksPerSecond;
 
 using Lines = std::vector<std::string>;
 using Component = Owned<KOR::IKorMaterialAnalysis>;
+
+/// The first lines, and the last: `count` of them, or as many as there are.
+Lines firstLines(const Lines& lines, std::size_t count);
+Lines lastLines(const Lines& lines, std::size_t count);
 
 /// A list of analysis kinds for setAnalysisKinds.
 Owned<KOR::IKORIntList> intList(const std::vector<std::int32_t>& values);

@@ -1,6 +1,4 @@
-#include <latch>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "validator/component/groups.h"
@@ -44,8 +42,8 @@ void tellsTheCount(Stage& stage) {
 
 void worksWithWhatIsLeft(Stage& stage) {
     stage.component().addRef();
-    stage.component().release();
     stage.insert(photo("photo.jpg"));
+    stage.component().release();
     stage.runToEnd();
     expectEqual("results", stage.results().size(), 1U);
 }
@@ -213,29 +211,6 @@ void endsInsideLastEvent(Stage& stage) {
     expectEqual("materials at the end", host().live.media.load(), 0);
 }
 
-void threadsMayCount(Stage& stage) {
-    KOR::IKorMaterialAnalysis& component = stage.component();
-    constexpr int each = 100000;
-    std::latch begin(4);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            begin.arrive_and_wait();
-            for (int n = 0; n < each; ++n) {
-                component.addRef();
-                component.addRef();
-                component.release();
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    const std::uint32_t found = component.refCount();
-    for (std::uint32_t count = found; count > 1; --count)
-        component.release();
-    expectEqual("refCount()", found, 1 + 4 * each);
-}
-
 }  // namespace
 
 const std::vector<ComponentCheck> countingChecks = {
@@ -290,8 +265,6 @@ const std::vector<ComponentCheck> countingChecks = {
     {"counting.ends-inside-last-event",
      "The last reference may be given back inside the event that ends the run.",
      endsInsideLastEvent},
-    {"counting.threads-may-count", "References may be taken and given back on several threads.",
-     threadsMayCount},
 };
 
 }  // namespace validator

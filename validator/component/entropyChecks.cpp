@@ -85,8 +85,7 @@ void asksNothingWithoutScenes(Stage& stage) {
     stage.component().start();
     stage.journal();
     stage.task(0).finish();
-    const Lines lines = stage.journal();
-    expectLines("what happens first", {lines.begin(), lines.begin() + 3},
+    expectLines("what happens first", firstLines(stage.journal(), 3),
                 {"log entropyCalculateFinishedInternal: \"entropy score result: {\"",
                  "log entropyCalculateFinishedInternal: \"}\\n\"",
                  "log entropyCalculateFinished: \"----Finish Entropy Value---素材idx: 0\\n\""});

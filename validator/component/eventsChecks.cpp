@@ -165,7 +165,9 @@ void copiesPayloadOfProgress(Stage& stage) {
     Running run(stage);
     KOR::TaskEventPayload payload = filledPayload();
     stage.task(0).send(1, 1, &payload);
-    const KOR::TaskEventPayload told = run.listener.heard().back().payload.value();
+    const HeardEvent heard = lastOf("events", run.listener.heard());
+    expectObject("the payload", heard.payloadAddress);
+    const KOR::TaskEventPayload told = heard.payload.value();
     expectEqual("the percentage", told.progress, 25);
     expectEqual("the first byte behind the percentage that was changed",
                 firstDifference(told, payload), sizeof payload);
@@ -179,7 +181,7 @@ void leavesPayloadOfSender(Stage& stage) {
     expectEqual("the first byte of the sender's payload that was changed",
                 firstDifference(payload, filledPayload()), sizeof payload);
     expectEqual("the sender's own payload was handed on",
-                run.listener.heard().back().payloadAddress == &payload, false);
+                lastOf("events", run.listener.heard()).payloadAddress == &payload, false);
 }
 
 /// Fails unless listeners are given the very payload that came with the event.
@@ -264,7 +266,7 @@ void survivesProgressWithoutPayload(Stage& stage) {
         if (!heard.payload) warn("progress without a payload is told of without one");
     }
     host().finishAllTasks();
-    expectEqual("the last event", run.listener.events().back(), 2);
+    expectEqual("the last event", lastOf("events", run.listener.events()), 2);
 }
 
 void worksUnheard(Stage& stage) {

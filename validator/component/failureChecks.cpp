@@ -171,7 +171,9 @@ void goesOnBehindFailedTasks(Stage& stage) {
     stage.task(0).fail(7, "no pictures");
     stage.task(1).fail(8, "no frames");
     expectEqual("the events", setting.listener.events(), Events{3, 3, 2});
-    const KOR::TaskEventPayload told = setting.listener.heard().front().payload.value();
+    const HeardEvent heard = firstOf("events", setting.listener.heard());
+    expectObject("the payload", heard.payloadAddress);
+    const KOR::TaskEventPayload told = heard.payload.value();
     expectEqual("the reason", std::string(told.reason), "no pictures");
     expectEqual("the reason's code", told.reasonCode, 7);
 }

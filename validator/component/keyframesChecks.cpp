@@ -50,9 +50,10 @@ void keepsKeyFramesWithoutTask(Stage& stage) {
     stage.task(1).hideAnalysisInterface();
     stage.task(1).finish();
     const Lines lines = stage.journal();
-    expectEqual("the first line", lines.front(),
+    expectEqual("the first line", firstOf("lines", lines),
                 "log keyFrameDetectFinished: \"----Finish Keyframe Extract---素材idx: 1\\n\"");
-    expectEqual("the positions handed over", lines.at(4), "task2.setKeyFramePositions(150)");
+    expectEqual("the positions handed over", elementOf("lines", lines, 4),
+                "task2.setKeyFramePositions(150)");
 }
 
 void asksNothingWithoutScenes(Stage& stage) {
@@ -61,8 +62,7 @@ void asksNothingWithoutScenes(Stage& stage) {
     stage.component().start();
     stage.journal();
     stage.task(0).finish();
-    const Lines lines = stage.journal();
-    expectLines("what happens first", {lines.begin(), lines.begin() + 3},
+    expectLines("what happens first", firstLines(stage.journal(), 3),
                 {"log keyFrameDetectFinishedInternal: \"duration score result: {\"",
                  "log keyFrameDetectFinishedInternal: \"}\\n\"",
                  "log keyFrameDetectFinished: \"----Finish Keyframe Extract---素材idx: 0\\n\""});

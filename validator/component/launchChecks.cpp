@@ -191,13 +191,13 @@ MediaSpec longClip() {
 
 void wideRanges(Stage& stage) {
     const Lines launch = launchOfLast(stage, longClip(), {4, 3});
-    expectEqual("the ranges", launch.at(3),
+    expectEqual("the ranges", elementOf("calls", launch, 3),
                 "task1.setSceneRanges([3, 1099511627777) [1099511627777, 2199023255559))");
 }
 
 void widePositions(Stage& stage) {
     const Lines launch = launchOfLast(stage, longClip(), {4, 3, 5});
-    expectEqual("the positions", launch.at(3),
+    expectEqual("the positions", elementOf("calls", launch, 3),
                 "task2.setKeyFramePositions(1099511627776, 2199023255552)");
 }
 

@@ -21,7 +21,7 @@ struct Scene {
         stage.journal();
     }
 
-    FakeTask& task() const { return *host().runningTask(); }
+    static FakeTask& task() { return theRunningTask(); }
 
     /// Has the component tell of the event. Both may be gone afterwards.
     void tell() const {
@@ -187,7 +187,8 @@ void mayStop(Stage& stage) {
         scene.tell();
         expectEqual("stop()", answer, KOR::statusOk);
         expectEqual("the task is running", stage.task(0).running(), false);
-        expectEqual("the last event of the last listener", scene.last.events().back(), scene.event);
+        expectEqual("the last event of the last listener", lastOf("events", scene.last.events()),
+                    scene.event);
         stage.journal();
         stage.task(0).finish();
         expectLines("what a finish behind it led to", stage.journal(), {});
@@ -207,7 +208,7 @@ void mayStartAgain(Stage& stage) {
         const std::size_t before = scene.first.events().size();
         stage.task(0).finish();
         expectEqual("events of the second run's end", scene.first.events().size(), before + 1);
-        expectEqual("the last event", scene.first.events().back(), 2);
+        expectEqual("the last event", lastOf("events", scene.first.events()), 2);
     });
 }
 

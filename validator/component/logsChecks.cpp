@@ -58,7 +58,7 @@ void ignoresLocale(Stage& stage) {
     std::locale::global(std::locale::classic());
     expectLines("the scores' log", loggedBy(stage, "entropyCalculateFinishedInternal"),
                 {"entropy score result: {", "[123456789:154.320000]", "}\\n"});
-    expectEqual("the line of the record", stage.logTexts().back(),
+    expectEqual("the line of the record", lastOf("lines", stage.logTexts()),
                 "fileName: clip.mp4 begin: 0 end: 1000000000 keyframe pos: 123456789 "
                 "socre: 154.62 face rect: {0000} \n");
     expect(text.find("\"end\": 1000000000,") != std::string::npos, "the result file",
@@ -86,7 +86,7 @@ void endsWithRecords(Stage& stage) {
     stage.component().addCallBack(&listener);
     stage.runToEnd();
     const Lines lines = stage.journal();
-    expectLines("the end of the run", {lines.end() - 4, lines.end()},
+    expectLines("the end of the run", lastLines(lines, 4),
                 {"log finishedAllAnalysis: \"auto trim result: \\n\"",
                  "log finishedAllAnalysis: \"fileName: p.jpg begin: 0 end: 1 keyframe pos: 0 "
                  "socre: 1 face rect: {0.1234571e-051e-071.23457e+06} \\n\"",
@@ -257,7 +257,7 @@ const std::vector<ComponentCheck> logsChecks = {
      [](Stage& stage) {
          recordsOf(stage, photo("素材 %s%n {\"\\\"}\t\xFF.jpg"), {4, 3});
          expectEqual(
-             "the last line", stage.logTexts().back(),
+             "the last line", lastOf("lines", stage.logTexts()),
              "fileName: 素材 %s%n {\"\\\"}\t\xFF.jpg begin: 0 end: 1 keyframe pos: 0 socre: "
              "1 face rect: {0000} \n");
      }},

@@ -54,9 +54,7 @@ void hasIndexOfItsMoment(Stage& stage) {
     useKindsQuietly(stage, {4, 3});
     host().tasksFinishInsideStart = true;
     stage.component().start();
-    Lines lines = stage.journal();
-    lines.erase(lines.begin(), lines.end() - 3);
-    expectLines("the last lines of the run", lines,
+    expectLines("the last lines of the run", lastLines(stage.journal(), 3),
                 {"listener: event 2, 100",
                  R"(log startKeyFrameDetect: "----Start Keyframe Extract---素材idx: 1\n")",
                  R"(log startScenceDetect: "----Start Scence Detect:---素材idx---1\n")"});
@@ -203,7 +201,7 @@ void forgetsFinishesOfCancelledRun(Stage& stage) {
         stage.component().start();
     };
     stage.component().start();
-    expectEqual("the last start", startsSinceLastLook(stage).back(), "task0 clip0.mp4");
+    expectEqual("the last start", lastOf("starts", startsSinceLastLook(stage)), "task0 clip0.mp4");
     expectEqual("the task is running", stage.task(0).running(), true);
 }
 

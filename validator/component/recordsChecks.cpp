@@ -33,9 +33,17 @@ List takeResults(Stage& stage) {
     return list;
 }
 
-void giveBack(const KOR::IKORVoidPtrList& list) {
-    for (std::int64_t i = 0; i < list.count(); ++i) {
-        auto* const media = static_cast<KOR::MaterialAnalysisResult*>(list.at(i))->media;
+/// The copy at `index`; fails where there is none.
+KOR::MaterialAnalysisResult& copyAt(const KOR::IKORVoidPtrList& list, std::int64_t index) {
+    void* const copy = list.at(index);
+    expectObject("copy " + shown(index) + " of the records", copy);
+    return *static_cast<KOR::MaterialAnalysisResult*>(copy);
+}
+
+/// Gives back what the copies from `first` on hold.
+void giveBack(const KOR::IKORVoidPtrList& list, std::int64_t first = 0) {
+    for (std::int64_t i = first; i < list.count(); ++i) {
+        auto* const media = copyAt(list, i).media;
         media->release();
         media->release();
     }
@@ -52,10 +60,10 @@ void leavesTwoReferences(Stage& stage) {
 void givesCopies(Stage& stage) {
     const MixedRun run(stage);
     const List list = takeResults(stage);
-    auto* const copy = static_cast<KOR::MaterialAnalysisResult*>(list->at(1));
-    copy->begin = -1;
-    copy->score = -1.0;
-    expectEqual("a later copy's begin", stage.results().at(1).begin, 5);
+    KOR::MaterialAnalysisResult& copy = copyAt(*list, 1);
+    copy.begin = -1;
+    copy.score = -1.0;
+    expectEqual("a later copy's begin", elementOf("records", stage.results(), 1).begin, 5);
     giveBack(*list);
 }
 
@@ -68,7 +76,7 @@ void fillsFieldsInOrder(Stage& stage) {
     stage.runToEnd();
     const List list = takeResults(stage);
     std::array<std::uint64_t, 9> words{};
-    std::memcpy(words.data(), list->at(0), sizeof words);
+    std::memcpy(words.data(), &copyAt(*list, 0), sizeof words);
     std::array<double, 4> rect{};
     std::memcpy(rect.data(), &words[5], sizeof rect);
     expectEqual("the score", std::bit_cast<double>(words[0]), 1.0);
@@ -87,11 +95,7 @@ void appendsBehindOthers(Stage& stage) {
     expectEqual("getResults()", stage.component().getResults(list.get()), KOR::statusOk);
     expectEqual("the number of elements", list->count(), 3);
     expectNull("the element that was there before", list->at(0));
-    for (std::int64_t i = 1; i < 3; ++i) {
-        auto* const media = static_cast<KOR::MaterialAnalysisResult*>(list->at(i))->media;
-        media->release();
-        media->release();
-    }
+    giveBack(*list, 1);
 }
 
 void survivesRefusingList(Stage& stage) {
@@ -113,8 +117,7 @@ void outliveComponent(Stage& stage) {
     const List list = takeResults(stage);
     const std::uint32_t before = run.clip.refCount();
     stage.releaseComponent();
-    const auto* const copy = static_cast<KOR::MaterialAnalysisResult*>(list->at(1));
-    expectEqual("the position of the copy", copy->posOfMaxScore, 7);
+    expectEqual("the position of the copy", copyAt(*list, 1).posOfMaxScore, 7);
     // Those of the component's list, of its record and of the two tasks are gone.
     expectEqual("references on its material", run.clip.refCount(), before - 4);
     giveBack(*list);
@@ -134,7 +137,7 @@ void outliveRemovedMaterial(Stage& stage) {
     const std::uint32_t before = run.clip.refCount();
     expectEqual("removeMaterialAt()", stage.component().removeMaterialAt(1), KOR::statusOk);
     expectEqual("references on the video", run.clip.refCount(), before - 1);
-    expectSame("the record's material", stage.results().at(1).media, &run.clip);
+    expectSame("the record's material", elementOf("records", stage.results(), 1).media, &run.clip);
 }
 
 void expectDefault(Stage& stage, MediaSpec spec, std::int64_t duration, std::int64_t middle) {

@@ -90,7 +90,7 @@ void endsWithTheEvent(Stage& stage) {
     useKindsQuietly(stage, {4, 3});
     stage.runToEnd();
     const Lines lines = stage.journal();
-    expectEqual("the last thing of the run", lines.back(), "listener: event 2, 100");
+    expectEqual("the last thing of the run", lastOf("lines", lines), "listener: event 2, 100");
     expectEqual("lines after the end", stage.journal().size(), std::size_t{0});
     expectNull("a task that runs after the end", host().runningTask());
 }

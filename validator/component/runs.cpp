@@ -80,6 +80,12 @@ Lines recordLines(Stage& stage) {
     return lines;
 }
 
+FakeTask& theRunningTask() {
+    FakeTask* const running = host().runningTask();
+    expectObject("a task that runs", running);
+    return *running;
+}
+
 void onceInside(RecordingListener& listener, std::function<void()> action) {
     listener.onEvent = [&listener, action = std::move(action)](std::uint32_t) {
         // What is called ends here, so that it has to be kept on the stack.
@@ -91,7 +97,7 @@ void onceInside(RecordingListener& listener, std::function<void()> action) {
 
 void insideProgress(RecordingListener& listener, std::function<void()> action) {
     onceInside(listener, std::move(action));
-    host().runningTask()->progress(50);
+    theRunningTask().progress(50);
 }
 
 void expectNothingLeft(Stage& stage) {

@@ -38,6 +38,9 @@ void runWithProgress(Stage& stage);
 /// The records with everything in them: "a.mp4 [0, 20) at 10: 1.0 {0.0, 0.0, 0.0, 0.0}".
 Lines recordLines(Stage& stage);
 
+/// The task that runs; fails where none does.
+FakeTask& theRunningTask();
+
 /// Has `action` run inside the next event that the listener is told of, and only there.
 void onceInside(RecordingListener& listener, std::function<void()> action);
 

@@ -2,6 +2,7 @@
 #include <memory>
 #include <thread>
 
+#include "validator/check/onThreads.h"
 #include "validator/component/groups.h"
 #include "validator/component/runs.h"
 
@@ -59,28 +60,24 @@ void startsOnAnyThread(Stage& stage) {
 }
 
 void countsReferencesOnManyThreads(Stage& stage) {
-    constexpr int threads = 4;
-    constexpr int times = 5000;
+    // Enough for the threads to be at it at once, also where a fault leaves but a moment for that.
+    constexpr int times = 200000;
+    constexpr auto all = std::uint32_t{1} + threadCount * times;
     KOR::IKorMaterialAnalysis& component = stage.component();
-    std::vector<std::thread> all;
-    for (int i = 0; i < threads; ++i) {
-        all.emplace_back([&component] {
+    const auto onThreadsOften = [](const auto& action) {
+        onThreads([&](int) {
             for (int time = 0; time < times; ++time)
-                component.addRef();
+                action();
         });
-    }
-    for (std::thread& thread : all)
-        thread.join();
-    expectEqual("refCount()", component.refCount(), 1U + threads * times);
-    all.clear();
-    for (int i = 0; i < threads; ++i) {
-        all.emplace_back([&component] {
-            for (int time = 0; time < times; ++time)
-                component.release();
-        });
-    }
-    for (std::thread& thread : all)
-        thread.join();
+    };
+    onThreadsOften([&] { component.addRef(); });
+    expectEqual("refCount()", component.refCount(), all);
+    onThreadsOften([&] {
+        component.addRef();
+        component.release();
+    });
+    expectEqual("refCount() once as many were given back as were taken", component.refCount(), all);
+    onThreadsOften([&] { component.release(); });
     expectEqual("refCount() once all were given back", component.refCount(), 1);
 }
 

@@ -29,7 +29,8 @@ void withEachRun(const HostLibrary& host, Action action) {
 void endWithFinished(HostLibrary& host) {
     withEachRun(host, [](const Run& run, const std::string& types) {
         expectEqual("the events of types " + types, run.listener.milestones(), finished);
-        expectEqual("the last event of types " + types, run.listener.events().back().event,
+        expectEqual("the last event of types " + types,
+                    lastOf("events", run.listener.events()).event,
                     std::uint32_t{KOR::taskEventFinished});
     });
 }

@@ -1,5 +1,9 @@
 #include <array>
+#include <chrono>
 #include <limits>
+#include <mutex>
+#include <set>
+#include <thread>
 
 #include "host/logger.h"
 #include "validator/check/onThreads.h"
@@ -85,23 +89,49 @@ void closesUnwrittenLines(HostLibrary& host) {
     }
 }
 
-void holdsSeveralLines(HostLibrary& host) {
-    KOR::KorLoggerWrapper& theLog = log(host);
-    KOR::LogStream* const first = openLine(theLog, IBsLogger::fatal);
-    KOR::LogStream* const second = openLine(theLog, IBsLogger::fatal);
-    if (first == nullptr || second == nullptr) skip("the log gives no stream");
-    expect(first != second, "the second stream", "another one", "the same");
-    second->write("second\n", 7);
-    first->write("first\n", 6);
-    second->close();
-    first->close();
-}
-
 void writesOnThreads(HostLibrary& host) {
     KOR::KorLoggerWrapper& theLog = log(host);
     onThreads([&](int) {
         for (int i = 0; i < 200; ++i)
             wrote(theLog, IBsLogger::error, "a line of one of four threads\n");
+    });
+}
+
+/// The streams of lines that are open.
+class OpenStreams {
+public:
+    void add(const KOR::LogStream* stream) {
+        const std::scoped_lock lock(mutex_);
+        expect(streams_.insert(stream).second, "the stream of a line",
+               "one that no other open line has", "that of another thread's line");
+    }
+
+    void remove(const KOR::LogStream* stream) {
+        const std::scoped_lock lock(mutex_);
+        streams_.erase(stream);
+    }
+
+private:
+    std::mutex mutex_;
+    std::set<const KOR::LogStream*> streams_;
+};
+
+/// A log may make a line wait until that of another thread is closed, so that each thread has one
+/// line open at a time.
+void givesThreadsTheirOwnStreams(HostLibrary& host) {
+    constexpr auto longEnoughToMeet = std::chrono::milliseconds(1);
+    KOR::KorLoggerWrapper& theLog = log(host);
+    OpenStreams open;
+    onThreads([&](int) {
+        for (int i = 0; i < 25; ++i) {
+            KOR::LogStream* const stream = openLine(theLog, IBsLogger::fatal);
+            if (stream == nullptr) skip("the log gives no stream");
+            open.add(stream);
+            stream->write("a line\n", 7);
+            std::this_thread::sleep_for(longEnoughToMeet);
+            open.remove(stream);
+            stream->close();
+        }
     });
 }
 
@@ -120,9 +150,10 @@ const std::vector<HostCheck> loggerChecks = {
      takesAnyText},
     {"logger.closes-unwritten-lines", "A stream can be closed without a text.",
      closesUnwrittenLines},
-    {"logger.holds-several-lines", "Lines that are open at once have a stream each.",
-     holdsSeveralLines},
     {"logger.writes-on-threads", "Several threads may write lines at once.", writesOnThreads},
+    {"logger.gives-threads-their-own-streams",
+     "Lines that several threads have open at once have a stream each.",
+     givesThreadsTheirOwnStreams},
 };
 
 }  // namespace validator

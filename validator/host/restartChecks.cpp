@@ -100,8 +100,8 @@ void behindStopInside(HostLibrary& host) {
     run.listener.waitForProgress();
     run.listener.waitForEnd(2);
     const auto events = run.listener.events();
-    expectEqual("the event behind the one in which the run was stopped", events.at(1).event,
-                std::uint32_t{KOR::taskEventStopped});
+    expectEqual("the event behind the one in which the run was stopped",
+                elementOf("events", events, 1).event, std::uint32_t{KOR::taskEventStopped});
     expectEqual("the events of both runs", run.listener.milestones(), Milestones{4, 2});
     expect(run.count(1) > 0, "the scenes of the second run", "at least one", "none");
 }
@@ -117,7 +117,7 @@ void afterStop(HostLibrary& host) {
         expectEqual("setSource()", run.analysis.setSource(video.source, 0, 0), KOR::statusOk);
         run.start();
         run.listener.waitForEnd(2);
-        expectEqual("the last event", run.listener.milestones().back(),
+        expectEqual("the last event", lastOf("events", run.listener.milestones()),
                     std::uint32_t{KOR::taskEventFinished});
         expect(run.count(1) > 0, "the scenes", "at least one", "none");
         return;
@@ -131,12 +131,12 @@ void takesOtherSources(HostLibrary& host) {
     const Material second = host.material(footage::shortVideo(host.occasion().scratch));
     Run run(host, {1}, first.source);
     run.finish();
-    expectEqual("the end of the last scene of the first", run.scenes().back().end,
+    expectEqual("the end of the last scene of the first", lastOf("scenes", run.scenes()).end,
                 footage::videoTicks);
     run.analysis.setSource(second.source, 0, 0);
     run.start();
     run.listener.waitForEnd(2);
-    expectEqual("the end of the last scene of the second", run.scenes().back().end,
+    expectEqual("the end of the last scene of the second", lastOf("scenes", run.scenes()).end,
                 footage::shortVideoTicks);
 }
 

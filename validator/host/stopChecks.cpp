@@ -71,7 +71,7 @@ void withStopped(const HostLibrary& host, Action action) {
 void endsRun(HostLibrary& host) {
     withStopped(host, [](const HeldRun& held) {
         expectEqual("the events when stop() has returned", held.run.listener.milestones(), stopped);
-        expectEqual("the last event", held.run.listener.events().back().event,
+        expectEqual("the last event", lastOf("events", held.run.listener.events()).event,
                     std::uint32_t{KOR::taskEventStopped});
     });
 }

@@ -124,12 +124,9 @@ add_component_mutant(events-take-a-reference
     const std::vector<Entry> told(entries_.begin(), entries_.end());]]
   CAUGHT_BY counting.use-leaves-count counting.ends-inside-last-event)
 
-add_component_mutant(counts-on-one-thread
-  SOURCE RefCnt.cpp
-  REPLACE [[    const std::uint32_t before = block_->references.fetch_add(1);]]
-  BY [[    const std::uint32_t before = block_->references.load();
-    volatile int delay = 100;
-    while (delay > 0)
-        delay = delay - 1;
-    block_->references.store(before + 1);]]
-  CAUGHT_BY counting.threads-may-count)
+add_component_mutant(every-release-gives-materials-back
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    return RefCnt<void>::release();]]
+  BY [[    materials.clear();
+    return RefCnt<void>::release();]]
+  FAILED_BY counting.works-with-what-is-left)

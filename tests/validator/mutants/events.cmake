@@ -175,3 +175,31 @@ add_component_mutant(progress-a-little-more
   REPLACE [[position.scale * 100;]]
   BY [[position.scale * 100 + 0.01;]]
   CAUGHT_BY events.progress-is-truncated)
+
+# Leaves checks of what was told nothing to look at.
+add_component_mutant(nobody-is-told
+  SOURCE ListenerList.cpp
+  REPLACE [[    const std::vector<Entry> told(entries_.begin(), entries_.end());]]
+  BY [[    const std::vector<Entry> told;]]
+  FAILED_BY events.progress-copies-payload events.progress-leaves-senders-payload
+    events.progress-without-payload-is-survived failure.of-tasks-ends-no-run listeners.may-stop
+    listeners.may-start-again)
+
+add_component_mutant(unheard-run-is-given-up
+  SOURCE ListenerList.cpp
+  REPLACE [[    const std::vector<Entry> told(entries_.begin(), entries_.end());]]
+  BY [[    const std::vector<Entry> told(entries_.begin(), entries_.end());
+    if (told.empty()) {
+        void* const run = sender.queryInterface("IKorMaterialAnalysis");
+        static_cast<IKorMaterialAnalysis*>(run)->stop();
+    }]]
+  FAILED_BY events.need-no-listener)
+
+add_component_mutant(progress-without-payload-cancels
+  SOURCE RunDriver.cpp
+  REPLACE [[    if (payload != nullptr) std::memcpy(&copy, payload, sizeof copy);]]
+  BY [[    if (payload == nullptr)
+        cancelled.exchange(1);
+    else
+        std::memcpy(&copy, payload, sizeof copy);]]
+  FAILED_BY events.progress-without-payload-is-survived)

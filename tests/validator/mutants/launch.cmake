@@ -183,3 +183,11 @@ add_component_mutant(line-before-start
     launch.entropy
     launch.scenes-and-keyframes
     launch.face-and-entropy)
+
+add_component_mutant(nothing-is-launched
+  SOURCE RunDriver.cpp
+  REPLACE [[    if (cancelled.load() != 0) return statusFailed;
+    IBsMediaAnalysisTask* const task = currentTask();]]
+  BY [[    if (cancelled.load() != 0 || !tasks.empty()) return statusFailed;
+    IBsMediaAnalysisTask* const task = currentTask();]]
+  FAILED_BY launch.face listeners.are-told-in-order run.does-nothing-behind-its-end)

@@ -122,3 +122,13 @@ add_component_mutant(launch-needs-a-logger
   BY [[    if (loggerWrapper(0) == nullptr) return statusFailed;
     const Status started = task.start();]]
   CAUGHT_BY launch-faults.no-logger logs.absent-logger-changes-nothing)
+
+add_component_mutant(launch-needs-a-stream
+  SOURCE TaskLaunch.cpp
+  REPLACE [[    const Status started = task.start();]]
+  BY [[    KorLoggerWrapper* const logger = loggerWrapper(0);
+    const bool isWanted = logger != nullptr && logger->testSeverity(IBsLogger::info);
+    const LogLine line("KOR::KorMaterialAnalysis");
+    if (isWanted && !line) return statusFailed;
+    const Status started = task.start();]]
+  FAILED_BY launch-faults.no-stream logs.refused-lines-change-nothing)

@@ -99,3 +99,10 @@ add_component_mutant(events-keep-a-reference
   BY [[    const std::vector<Entry> told(entries_.begin(), entries_.end());
     sender.addRef();]]
   CAUGHT_BY listeners.may-release listeners.may-release-as-last release.may-come-inside-the-end)
+
+add_component_mutant(removed-listener-is-told-so
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    callBacks.remove(*callBack);]]
+  BY [[    callBack->onTaskEvent(this, taskEventCategory, taskEventStopped, nullptr);
+    callBacks.remove(*callBack);]]
+  FAILED_BY listeners.may-die-once-removed)

@@ -125,3 +125,9 @@ add_component_mutant(logs-in-the-hosts-locale
   REPLACE [[text_.emplace().imbue(std::locale::classic())]]
   BY [[text_.emplace()]]
   CAUGHT_BY logs.locale-does-not-matter)
+
+add_component_mutant(logs-nothing
+  SOURCE LogLine.cpp
+  REPLACE [[    if (logger == nullptr || !logger->testSeverity(IBsLogger::info)) return;]]
+  BY [[    if (logger == nullptr || loggerWrapper(0) == logger) return;]]
+  FAILED_BY logs.end-of-run logs.file-names-stay-as-they-are logs.locale-does-not-matter)

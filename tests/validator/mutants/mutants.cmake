@@ -15,11 +15,15 @@ function(write_mutated_source name source place replacement result)
   file(CONFIGURE OUTPUT ${result} CONTENT "${text}" @ONLY)
 endfunction()
 
-# Adds to `table`, a variable of the caller, the line that the test of the mutants reads.
-macro(note_mutant table name ids)
-  list(JOIN ${ids} " " joined)
-  set(${table} "${${table}}    {\"${name}\", \"$<TARGET_FILE:mutant-${name}>\", \"${joined}\"},\n"
-    PARENT_SCOPE)
+# Adds to `table`, a variable of the caller, the line that the test of the mutants reads: the mutant,
+# and the checks that were named in the arguments of the caller.
+macro(note_mutant table name)
+  list(JOIN arg_CAUGHT_BY " " caught)
+  list(JOIN arg_FAILED_BY " " failed)
+  list(JOIN arg_WARNED_BY " " warned)
+  string(APPEND ${table} "    {\"${name}\", \"$<TARGET_FILE:mutant-${name}>\","
+    " \"${caught}\", \"${failed}\", \"${warned}\"},\n")
+  set(${table} "${${table}}" PARENT_SCOPE)
 endmacro()
 
 # What most mutants of a side include: there are hundreds of them, and nobody debugs one.
@@ -40,9 +44,11 @@ add_shared_headers(host_mutant_headers LIBRARIES
 #   SOURCE    a source of the component, by its name
 #   REPLACE   a place in it, as [[...]]
 #   BY        what stands there instead, as [[...]]
-#   CAUGHT_BY the ids of checks that have to fail)
+#   CAUGHT_BY the ids of checks that have to fail, or to crash
+#   FAILED_BY the ids of checks that have to fail by what they compare, and may not crash
+#   WARNED_BY the ids of checks that have to warn)
 function(add_component_mutant name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY;FAILED_BY;WARNED_BY")
   set(mutated ${CMAKE_CURRENT_BINARY_DIR}/${name}/${arg_SOURCE})
   write_mutated_source(${name} modules/BusinessLayer/MaterialAnalysis/${arg_SOURCE}
     "${arg_REPLACE}" "${arg_BY}" ${mutated})
@@ -56,7 +62,7 @@ function(add_component_mutant name)
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/modules/BusinessLayer/MaterialAnalysis/exports.map)
   set_target_properties(mutant-${name} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
-  note_mutant(component_mutants ${name} arg_CAUGHT_BY)
+  note_mutant(component_mutants ${name})
 endfunction()
 
 # The sources of the plain host that a header of it is part of.
@@ -69,9 +75,10 @@ set(host_sources_of_analyse.h Task.cpp analyse.cpp)
 #   SOURCE    a source or header of the plain host, by its name
 #   REPLACE   a place in it, as [[...]]
 #   BY        what stands there instead, as [[...]]
-#   CAUGHT_BY the ids of checks that have to fail; without it, there is no fault)
+#   CAUGHT_BY, FAILED_BY, WARNED_BY
+#             as above; without any, there is no fault)
 function(add_host_mutant name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "SOURCE;REPLACE;BY" "CAUGHT_BY;FAILED_BY;WARNED_BY")
   set(room tests/validator/plain_host)
   set(directory ${CMAKE_CURRENT_BINARY_DIR}/host/${name})
   write_mutated_source(${name} ${room}/${arg_SOURCE} "${arg_REPLACE}" "${arg_BY}"
@@ -97,7 +104,7 @@ function(add_host_mutant name)
   target_link_options(mutant-host-${name} PRIVATE -Wl,--strip-debug)
   set_target_properties(mutant-host-${name} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/host)
-  if(arg_CAUGHT_BY)
-    note_mutant(host_mutants host-${name} arg_CAUGHT_BY)
+  if(arg_CAUGHT_BY OR arg_FAILED_BY OR arg_WARNED_BY)
+    note_mutant(host_mutants host-${name})
   endif()
 endfunction()

@@ -136,3 +136,22 @@ add_component_mutant(records-photo-of-own-duration
   REPLACE [[result->end = mediaDuration(media)]]
   BY [[result->end = media->getDuration()]]
   CAUGHT_BY records.photo-without-length-lasts-a-tick)
+
+add_component_mutant(records-are-not-given
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[    if (list == nullptr) return statusFailed;
+    for (const OwnedResult& result]]
+  BY [[    if (list == nullptr) return statusFailed;
+    if (list->count() >= 0) return statusOk;
+    for (const OwnedResult& result]]
+  FAILED_BY records.are-copies records.fields-in-order records.outlive-component
+    records.outlive-removed-material)
+
+add_component_mutant(records-read-back-from-copies
+  SOURCE KorMaterialAnalysis.cpp
+  REPLACE [[        *copy = *result;]]
+  BY [[        static std::map<const void*, const MaterialAnalysisResult*> given;
+        const MaterialAnalysisResult*& last = given[result.get()];
+        *copy = last == nullptr ? *result : *last;
+        last = copy.get();]]
+  FAILED_BY records.are-copies)

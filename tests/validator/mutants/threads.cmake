@@ -14,7 +14,15 @@ add_component_mutant(references-counted-in-two-steps
   BY [[    const std::uint32_t before = block_->references.load();
     sched_yield();
     block_->references.store(before + 1);]]
-  CAUGHT_BY threads.counts-references-on-many-threads)
+  FAILED_BY threads.counts-references-on-many-threads)
+
+add_component_mutant(references-given-back-in-two-steps
+  SOURCE RefCnt.cpp
+  REPLACE [[        const std::uint32_t left = block_->references.fetch_sub(1) - 1;]]
+  BY [[        const std::uint32_t left = block_->references.load() - 1;
+        sched_yield();
+        block_->references.store(left);]]
+  FAILED_BY threads.counts-references-on-many-threads)
 
 add_component_mutant(last-release-leaks-elsewhere
   SOURCE RefCnt.cpp

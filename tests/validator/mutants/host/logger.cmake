@@ -2,6 +2,7 @@
 
 set(sound_log [[    class Line : public KOR::LogStream {
     public:
+        Line() = default;
         void write(const char* text, std::size_t length) override { text_.assign(text, length); }
         void close() override {
             std::fprintf(stderr, "%s", text_.c_str());
@@ -20,16 +21,17 @@ set(sound_log [[    class Line : public KOR::LogStream {
     static Log log;
     return &log;]])
 
-# add_log_mutant(NAME REPLACE place-in-the-sound-log BY what CAUGHT_BY ids)
+# add_log_mutant(NAME REPLACE place-in-the-sound-log BY what CAUGHT_BY ids FAILED_BY ids)
 function(add_log_mutant name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "REPLACE;BY" "CAUGHT_BY")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "REPLACE;BY" "CAUGHT_BY;FAILED_BY")
   string(FIND "${sound_log}" "${arg_REPLACE}" place)
   if(place EQUAL -1)
     message(FATAL_ERROR "mutant ${name}: not in the log:\n${arg_REPLACE}")
   endif()
   string(REPLACE "${arg_REPLACE}" "${arg_BY}" log "${sound_log}")
   add_host_mutant(${name} SOURCE services.cpp
-    REPLACE [[    return nullptr;  // this host has no log]] BY "${log}" CAUGHT_BY ${arg_CAUGHT_BY})
+    REPLACE [[    return nullptr;  // this host has no log]] BY "${log}"
+    CAUGHT_BY ${arg_CAUGHT_BY} FAILED_BY ${arg_FAILED_BY})
   set(host_mutants "${host_mutants}" PARENT_SCOPE)
 endfunction()
 
@@ -38,6 +40,15 @@ add_host_mutant(no-fault-but-a-log
   SOURCE services.cpp
   REPLACE [[    return nullptr;  // this host has no log]]
   BY "${sound_log}")
+
+add_log_mutant(no-fault-but-a-line-at-a-time
+  REPLACE [[        Line() = default;]]
+  BY [[        Line() { oneAtATime().lock(); }
+        ~Line() { oneAtATime().unlock(); }
+        static std::mutex& oneAtATime() {
+            static std::mutex theMutex;
+            return theMutex;
+        }]])
 
 add_log_mutant(log-made-anew
   REPLACE [[    static Log log;
@@ -65,11 +76,15 @@ add_log_mutant(line-ends-with-its-last-byte
   BY [[            if (text_.at(text_.size() - 1) != ' ') std::fprintf(stderr,]]
   CAUGHT_BY logger.closes-unwritten-lines logger.takes-any-text)
 
-add_log_mutant(one-line-for-all
+add_log_mutant(one-stream-for-all
   REPLACE [[            return testSeverity(severity) ? new Line : nullptr;]]
-  BY [[            static auto* const line = new Line;
-            return testSeverity(severity) ? line : nullptr;]]
-  CAUGHT_BY logger.holds-several-lines)
+  BY [[            static class : public KOR::LogStream {
+            public:
+                void write(const char*, std::size_t) override {}
+                void close() override {}
+            } line;
+            return testSeverity(severity) ? &line : nullptr;]]
+  FAILED_BY logger.gives-threads-their-own-streams)
 
 add_log_mutant(log-of-one-thread
   REPLACE [[            return testSeverity(severity)]]

@@ -129,7 +129,7 @@ add_host_mutant(cache-made-anew
   REPLACE [[            cacheDirectory_ = cacheRoot]]
   BY [[            cacheDirectory_ =
                 cacheRoot + "/" + [] { static int n; return std::to_string(++n); }()]]
-  CAUGHT_BY info.cache-is-found-again)
+  WARNED_BY info.cache-is-found-again)
 
 add_host_mutant(texts-share-their-place
   SOURCE Clip.h

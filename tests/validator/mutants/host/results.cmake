@@ -171,3 +171,13 @@ add_host_mutant(keyframes-beside-their-pictures
   REPLACE [[            add(KOR::analysisTypeKeyFrame, clip_.position(picture));]]
   BY [[            add(KOR::analysisTypeKeyFrame, clip_.position(picture) + 1);]]
   CAUGHT_BY keyframes.are-pictures)
+
+add_host_mutant(no-results
+  SOURCE Task.cpp
+  REPLACE [[        const auto found = results ? results->find(kind) : Results::const_iterator();
+        if (!results ||]]
+  BY [[        const auto found = results ? results->end() : Results::const_iterator();
+        if (!results ||]]
+  FAILED_BY pictures.include-unseen pictures.measure-entropy pictures.measure-photos
+    pictures.measure-sharpness pictures.see-no-sharpness pictures.see-no-faces
+    restart.with-other-sources)
