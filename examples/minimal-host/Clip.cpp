@@ -1,7 +1,6 @@
 #include "Clip.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -10,22 +9,14 @@
 namespace minimal_host {
 namespace {
 
-/// What stands before each picture of a video.
-constexpr std::string_view pictureMark = "FRAME\n";
-
+constexpr std::string_view pictureMark = "FRAME\n";  // before each picture of a video
 constexpr std::int64_t mostPictures = 10'000'000;
-
-std::ifstream opened(const std::string& path) {
-    return std::ifstream(std::filesystem::path(std::u8string(path.begin(), path.end())),
-                         std::ios::binary);
-}
 
 }  // namespace
 
-Clip::Clip(const std::string& path) : path_(path) {
+Clip::Clip(const std::string& path) : path_(path), file_(std::u8string(path.begin(), path.end())) {
     readHeader();
-    const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file)) - begin_;
+    const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file_)) - begin_;
     pictures_ = stride_ > 0 ? bytes / stride_ : 0;
     if (pictures_ == 0 || pictures_ > mostPictures)
         throw std::runtime_error(path + " holds no pictures that can be read");
@@ -33,7 +24,7 @@ Clip::Clip(const std::string& path) : path_(path) {
 
 void Clip::readHeader() {
     std::string head(256, '\0');
-    opened(path_).read(head.data(), 255);
+    std::ifstream(file_, std::ios::binary).read(head.data(), 255);
     int length = 0;
     long rate = 0;
     long seconds = 0;
@@ -65,7 +56,7 @@ std::int64_t Clip::firstFrom(std::int64_t ticks) const {
 }
 
 Picture Clip::read(std::int64_t picture) const {
-    std::ifstream in = opened(path_);
+    std::ifstream in(file_, std::ios::binary);
     in.seekg(begin_ + picture * stride_);
     std::string mark(isVideo_ ? pictureMark.size() : 0, '\0');
     in.read(mark.data(), static_cast<std::streamsize>(mark.size()));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ public:
     explicit Clip(const std::string& path);
 
     const std::string& path() const { return path_; }
+    const std::filesystem::path& file() const { return file_; }
     bool isVideo() const { return isVideo_; }
     std::int64_t pictures() const { return pictures_; }
     std::int64_t durationTicks() const { return isVideo_ ? positionOf(pictures_) : 1; }
@@ -32,7 +34,8 @@ public:
 private:
     void readHeader();
 
-    std::string path_;
+    std::string path_;            // in UTF-8
+    std::filesystem::path file_;  // the same, as the system names it
     bool isVideo_ = false;
     std::int64_t pictures_ = 0;
     std::size_t width_ = 0;

@@ -28,9 +28,8 @@ public:
     /// far as size and time tell of it.
     ClipSource(const std::string& path, const std::string& cacheRoot) : clip(path) {
         if (cacheRoot.empty()) return;
-        const std::filesystem::path file(std::u8string(path.begin(), path.end()));
-        const auto time = std::filesystem::last_write_time(file).time_since_epoch().count();
-        const auto size = std::to_string(std::filesystem::file_size(file));
+        const auto time = std::filesystem::last_write_time(clip.file()).time_since_epoch().count();
+        const auto size = std::to_string(std::filesystem::file_size(clip.file()));
         const auto name = std::hash<std::string>()(path + " " + size + " " + std::to_string(time));
         cacheDirectory_ = cacheRoot + "/" + std::to_string(name);
     }
