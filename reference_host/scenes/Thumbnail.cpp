@@ -74,10 +74,12 @@ float sharpnessOf(const PictureSample& picture) {
     std::int64_t sumOfSquares = 0;
     for (std::size_t y = 1; y + 1 < lumaHeightPx; ++y) {
         const std::uint8_t* row = picture.luma.data() + y * lumaWidthPx;
+        const std::uint8_t* above = row - lumaWidthPx;
+        const std::uint8_t* below = row + lumaWidthPx;
         std::int32_t rowSum = 0;
         for (std::size_t x = 1; x + 1 < lumaWidthPx; ++x) {
             const std::int32_t laplacian =
-                4 * row[x] - row[x - 1] - row[x + 1] - row[x - lumaWidthPx] - row[x + lumaWidthPx];
+                4 * row[x] - row[x - 1] - row[x + 1] - above[x] - below[x];
             rowSum += laplacian * laplacian;
         }
         sumOfSquares += rowSum;
