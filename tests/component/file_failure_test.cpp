@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "tests/component/RunTest.h"
+#include "tests/sanitizers.h"
 
 namespace fake_host {
 namespace {
@@ -58,11 +59,7 @@ private:
 
 /// The sanitizer of undefined behaviour opens pipes itself to look at an object's type, and takes
 /// their failure for a broken object.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool descriptorsMayRunOut = false;
-#else
-constexpr bool descriptorsMayRunOut = true;
-#endif
+constexpr bool descriptorsMayRunOut = !hasAddressSanitizer;
 
 rlim_t firstFreeDescriptor() {
     const int next = open("/dev/null", O_RDONLY | O_CLOEXEC);

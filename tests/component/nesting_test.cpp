@@ -10,6 +10,7 @@
 
 #include "tests/component/RestoreTest.h"
 #include "tests/component/RunTest.h"
+#include "tests/sanitizers.h"
 
 namespace fake_host {
 namespace {
@@ -204,11 +205,9 @@ void runOnStackOf(std::size_t bytes, std::function<void()> action) {
     pthread_attr_destroy(&attributes);
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::size_t smallStack = 2048 * 1024;  // sanitizers make frames several times as large
-#else
-constexpr std::size_t smallStack = 256 * 1024;
-#endif
+// Sanitizers make frames several times as large.
+constexpr std::size_t smallStack =
+    hasAddressSanitizer || hasThreadSanitizer ? 2048 * 1024 : 256 * 1024;
 
 TEST_F(Nesting, HundredThousandTasksFitASmallStack) {
     host().recording = false;
