@@ -1,5 +1,6 @@
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -52,6 +53,8 @@ TEST(CheckProcess, EndsWithTheValidator) {
     ASSERT_GE(lock, 0);
     const pid_t asker = fork();
     if (asker == 0) {
+        // What it cannot delete any more goes with the directory of this test.
+        setenv("TMPDIR", directory.path().c_str(), 1);
         verdictOn("odd.hangs-with-lock", library);
         _exit(0);
     }
