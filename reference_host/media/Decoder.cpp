@@ -184,6 +184,10 @@ void Decoder::smoothEdges(bool smooths) {
     context_->skip_loop_filter = smooths ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
 }
 
+int Decoder::mostForgotten() const {
+    return context_->codec_id == AV_CODEC_ID_H264 ? context_->has_b_frames : 0;
+}
+
 const AVFrame* Decoder::receive() {
     for (;;) {
         const int result = avcodec_receive_frame(context_.get(), frame_.get());

@@ -54,6 +54,11 @@ public:
     /// without. What is not smoothed is passed on to all pictures that are predicted from it.
     void smoothEdges(bool smooths);
 
+    /// How many frames may never come though nothing is wrong with them. Begun at the key frame of
+    /// an open group, the decoder of H.264 holds some back, so that they come in the order in which
+    /// they are shown, and forgets them if it is told of the end before the first one has come.
+    int mostForgotten() const;
+
     /// Prepares for packets from another place of the stream; frames not yet received are dropped.
     void forget() { avcodec_flush_buffers(context_.get()); }
 

@@ -51,7 +51,8 @@ bool PictureChain::end(const Take& take) {
     receive(take);
     decoder_.forget();
     const bool wasSpoilt = std::exchange(isSpoilt_, false);
-    return std::exchange(awaited_, 0) <= 0 || wasSpoilt || !givesAtOnce();
+    const bool isComplete = std::exchange(awaited_, 0) <= decoder_.mostForgotten();
+    return isComplete || wasSpoilt || !givesAtOnce();
 }
 
 std::int64_t PictureChain::takeDamage() {

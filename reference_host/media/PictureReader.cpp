@@ -163,7 +163,7 @@ private:
             return inUnitsOf(video, static_cast<double>(ticks));
         };
         const LongestGap gap{units(plan.gap.always), units(plan.gap.most), plan.gap.part,
-                             units(plan.gap.brief)};
+                             units(plan.gap.brief), units(plan.gap.still)};
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
             SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_}, crew,

@@ -17,6 +17,10 @@ struct LongestGap {
     double part = 0;
     /// Up to this length, it may be left out for what is seen at its two ends alone.
     std::int64_t brief = 0;
+    /// Up to this length, pictures that others need may be left out of it where nothing moves; 0
+    /// where pictures are kept, since what is predicted without them is only good enough to be
+    /// compared.
+    std::int64_t still = 0;
 };
 
 /// Gives the pictures of a video, or those of them that matter for its scenes.

@@ -130,6 +130,14 @@ bool SeenPictures::isBetweenPicturesOfOneScene(std::int64_t timestamp) const {
            !(blends_ == Blends::whole && isInBlend(before, after)) && !isNearBlend(timestamp);
 }
 
+bool SeenPictures::isInStillness(std::int64_t timestamp, std::int64_t longest) const {
+    const auto after = pictures_.lower_bound(timestamp);
+    if (after == pictures_.begin() || after == pictures_.end()) return false;
+    const auto before = std::prev(after);
+    return after->first != timestamp && after->first - before->first <= longest &&
+           !isLightChanging() && scenes::areStill(before->second, after->second, threshold_);
+}
+
 bool SeenPictures::isInBlend(ByTimestamp::const_iterator before,
                              ByTimestamp::const_iterator after) const {
     auto first = before;

@@ -72,6 +72,10 @@ public:
     /// after it show one view.
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const;
 
+    /// Says whether a picture that would be shown at `timestamp`, and has not been seen, is between
+    /// two that are no more than `longest` apart and show a scene in which nothing moves.
+    bool isInStillness(std::int64_t timestamp, std::int64_t longest) const;
+
 private:
     struct Stretch {
         std::int64_t begin = 0;

@@ -226,7 +226,14 @@ private:
 
     PictureChain& chain() const { return *owner_.chain_; }
 
+    /// The decoder of H.264 puts a copy of the newest picture in the place of one that is missing.
+    /// Where nothing moves, that is nearly what is missing.
+    bool mayBeMissing(const AVPacket& packet) const {
+        return owner_.longestStill_ > 0 && seen_.isInStillness(packet.pts, owner_.longestStill_);
+    }
+
     void send(const AVPacket& packet) {
+        if (mayBeMissing(packet)) return;
         chain().send(packet,
                      {.leavesOutUnneeded = seen_.isBetweenPicturesOfOneScene(packet.pts),
                       .leavesEdges = !seen_.isLightChanging()},
@@ -327,6 +334,7 @@ SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::st
       stream_(stream),
       blends_(stream.codecpar->codec_id == AV_CODEC_ID_H264 ? SeenPictures::Blends::sparse
                                                             : SeenPictures::Blends::whole),
+      longestStill_(stream.codecpar->codec_id == AV_CODEC_ID_H264 ? plan.gap.still : 0),
       keeper_(stream, plan.kept) {
     openDecoders();
 }

@@ -76,6 +76,9 @@ private:
     /// Seeing dissolves whole, so that their middle is found to the picture, takes up to a fifth
     /// longer; H.264, the most usual format, is to be fast instead.
     const SeenPictures::Blends blends_;
+    /// How far two pictures of a still scene may be apart of which those between are left out,
+    /// though others need them; 0 where none are.
+    const std::int64_t longestStill_;
     std::unique_ptr<PictureChain> chain_;
     /// Decodes key frames that are looked at before what is in front of them, and takes the place
     /// of `chain_` where decoding goes on from there.

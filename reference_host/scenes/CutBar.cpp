@@ -25,6 +25,10 @@ constexpr double plainContrast = ordinaryContrast / 2;
 /// Room for the movement between two neighbours, which may make a cut look smaller.
 constexpr double neighbourPart = 0.8;
 
+/// Two pictures of a still scene differ by no more than this part of the least cut. At twice as
+/// much, some boundaries are lost in what is predicted from the wrong pictures.
+constexpr double stillPart = 0.6;
+
 /// The part of the pace between pictures that are two or three steps apart that is found between
 /// neighbours.
 constexpr double paceOfOneStep = 0.5;
@@ -75,6 +79,11 @@ bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
     const Mixture mixture = mixtureOf(first.thumbnail, middle.thumbnail, last.thumbnail);
     return mixture.residual <= largestBlendResidual && mixture.share <= largestShareOfOneStep &&
            mixture.share >= 1 - largestShareOfOneStep && differenceOf(first, last) >= leastBlend;
+}
+
+bool areStill(const PictureFeatures& before, const PictureFeatures& after, double threshold) {
+    return differenceOf(before, after) <=
+           stillPart * leastCut(before.contrast, after.contrast, threshold);
 }
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,

@@ -48,6 +48,10 @@ bool mayBeOneView(const PictureFeatures& before, const PictureFeatures& after, d
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
                              double pace, double threshold);
 
+/// Says whether next to nothing moves from one picture to another shortly behind it: either may be
+/// taken for what is between them.
+bool areStill(const PictureFeatures& before, const PictureFeatures& after, double threshold);
+
 /// Says whether three pictures, which follow each other at a few pictures' distance, may be part of
 /// a dissolve or fade: what changes from the first to the last does so steadily.
 bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,

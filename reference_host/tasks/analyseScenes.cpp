@@ -30,6 +30,9 @@ constexpr double partForKeyFrames = 0.6;
 /// A view that is seen again after less than this was interrupted by a flash, not by a scene.
 constexpr std::int64_t briefestScene = KOR::ticksPerSecond * 5 / 4;
 
+/// What is seen for less than this between two equal pictures is a flash.
+constexpr std::int64_t briefestView = KOR::ticksPerSecond / 5;
+
 /// Keyframes are chosen from so many pictures a second at most.
 constexpr std::int64_t shortestKept = KOR::ticksPerSecond / 2;
 
@@ -42,7 +45,7 @@ void noteDamage(Footage& footage, const media::Damage& damage) {
 media::PictureReader::Plan planFor(const AnalysisRequest& request, double threshold) {
     media::PictureReader::Plan plan;
     plan.threshold = threshold;
-    plan.gap = {longestGapForScenes, longestGapForScenes, 0, briefestScene};
+    plan.gap = {longestGapForScenes, longestGapForScenes, 0, briefestScene, briefestView};
     if (request.wantsKeyFrames) {
         plan.gap = {shortGapForKeyFrames, longestGapForKeyFrames, partForKeyFrames, briefestScene};
         plan.shortestKeptTicks = shortestKept;

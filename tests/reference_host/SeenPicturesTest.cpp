@@ -132,6 +132,28 @@ TEST(SeenPictures, NeedNoPictureBetweenTwoOfOneScene) {
     EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(25)) << "nothing behind";
 }
 
+TEST(SeenPictures, MayLackWhatIsBetweenTwoOfAStillScene) {
+    SeenPictures seen(threshold, SeenPictures::Blends::sparse);
+    // They differ by 4 and by 6, where 5.4 is still.
+    addAll(seen, {100, 102, 105});
+    EXPECT_TRUE(seen.isInStillness(5, 10));
+    EXPECT_FALSE(seen.isInStillness(15, 10));
+    EXPECT_FALSE(seen.isInStillness(5, 9)) << "too far apart";
+    EXPECT_FALSE(seen.isInStillness(-5, 10)) << "nothing before";
+    EXPECT_FALSE(seen.isInStillness(25, 10)) << "nothing behind";
+    for (const std::int64_t at : {0, 10, 20})
+        EXPECT_FALSE(seen.isInStillness(at, 20)) << at << " has been seen and is needed again";
+}
+
+TEST(SeenPictures, MayLackNothingWhileTheLightChanges) {
+    for (const bool isChanging : {false, true}) {
+        SeenPictures seen(threshold, SeenPictures::Blends::sparse);
+        seen.add(0, grey(100, 32));
+        seen.add(10, grey(100, isChanging ? 34 : 33));
+        EXPECT_EQ(seen.isInStillness(5, 10), !isChanging);
+    }
+}
+
 TEST(SeenPictures, AreNeededInBlendsThatAreToBeSeenWhole) {
     for (const auto blends : {SeenPictures::Blends::sparse, SeenPictures::Blends::whole}) {
         const bool isSparse = blends == SeenPictures::Blends::sparse;

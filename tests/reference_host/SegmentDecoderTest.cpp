@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -270,6 +271,80 @@ TEST(SegmentDecoder, SeesDissolvesOfPicturesThatStandAloneWhole) {
     for (std::int64_t at = 100; at < 120; ++at)
         EXPECT_TRUE(std::ranges::count(look.pictures, at)) << at;
     EXPECT_LT(look.pictures.size(), 125U);
+}
+
+// Open groups, in whose beginning decoders expect to lack something.
+
+TEST(SegmentDecoder, TakesOpenGroupsOfAFewPictures) {
+    const FootageFiles files;
+    // A pan, in groups of six pictures: after some of them, little has been decoded from the key
+    // frame on when decoding begins anew with the next.
+    const auto file = files.make(
+        "open.mkv",
+        "-f lavfi -i mandelbrot=size=960x480:rate=25 -vf trim=end_frame=1,loop=loop=-1:size=1,"
+        "setpts=N/25/TB,fps=25,crop=320:180:x=n*4:y=60,format=yuv420p -frames:v 150 "
+        "-c:v libx264 -preset veryfast -x264-params "
+        "open-gop=1:keyint=6:min-keyint=6:scenecut=0:bframes=3:b-adapt=0");
+    const auto reader = readerForScenes(file, {.gap = gapWithBriefGroups});
+    const Look look = lookAt(*reader, 150);
+    EXPECT_EQ(look.begins, std::vector<std::int64_t>{0});
+    EXPECT_LT(look.pictures.size(), 75U) << "half of them are left out";
+    EXPECT_EQ(reader->damage().damaged, 0);
+    EXPECT_EQ(reader->damage().all, 150);
+}
+
+// Pictures that others need.
+
+/// A still that moves a little in its middle, and from the picture `cut` on another. Key frames
+/// come every 120 pictures; the others come in fours, of which two need one of the others.
+std::filesystem::path makeCutInPyramid(const FootageFiles& files, int cut) {
+    return files.make(
+        "pyramid.mp4",
+        "-f lavfi -i testsrc2=size=320x180:rate=25 -f lavfi -i mandelbrot=size=320x180:rate=25 "
+        "-f lavfi -i smptebars=size=320x180:rate=25 -filter_complex "
+        "\"[1]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,fps=25,format=yuv420p[still];"
+        "[0]crop=32:32:140:70[spot];[still][spot]overlay=140:70,trim=end_frame=" +
+            std::to_string(cut) +
+            ",format=yuv420p,setsar=1[a];[2]trim=end_frame=" + std::to_string(240 - cut) +
+            ",format=yuv420p,setsar=1[b];[a][b]concat\" -c:v libx264 -preset veryfast -x264-params "
+            "keyint=120:min-keyint=120:scenecut=0:bframes=3:b-adapt=0:b-pyramid=normal");
+}
+
+/// Returns those of the numbers that are in the last group, in front of the cut's neighbours.
+std::vector<std::int64_t> quietOnesOf(const Look& look) {
+    std::vector<std::int64_t> quiet;
+    std::ranges::copy_if(look.pictures, std::back_inserter(quiet),
+                         [](std::int64_t at) { return at > 120 && at <= 176; });
+    return quiet;
+}
+
+TEST(SegmentDecoder, LeavesOutPicturesOfAStillSceneThatOthersNeed) {
+    const FootageFiles files;
+    for (const int cut : {181, 182, 183, 184}) {
+        const auto file = makeCutInPyramid(files, cut);
+        for (const std::int64_t still : {std::int64_t{0}, KOR::ticksPerSecond / 5}) {
+            const auto reader =
+                readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0, 0, still}});
+            const Look look = lookAt(*reader, 240);
+            EXPECT_EQ(look.begins, (std::vector<std::int64_t>{0, cut})) << still;
+            std::vector<std::int64_t> expected;
+            for (std::int64_t at = still == 0 ? 122 : 124; at <= 176; at += still == 0 ? 2 : 4)
+                expected.push_back(at);
+            EXPECT_EQ(quietOnesOf(look), expected) << still;
+            EXPECT_EQ(reader->damage().damaged, 0) << "what was not asked for is no damage";
+            EXPECT_EQ(reader->damage().all, 240);
+        }
+    }
+}
+
+TEST(SegmentDecoder, DecodesWhatOthersNeedOfLongerStretches) {
+    const FootageFiles files;
+    const auto file = makeCutInPyramid(files, 181);
+    // Four pictures take 0.16 seconds.
+    const std::int64_t still = KOR::ticksPerSecond * 15 / 100;
+    const Look look =
+        lookAt(*readerForScenes(file, {.gap = {tenSeconds, tenSeconds, 0, 0, still}}), 240);
+    EXPECT_EQ(quietOnesOf(look).size(), 28U);
 }
 
 // What is behind a dissolve tells where it ends.

@@ -84,6 +84,21 @@ TEST(MayBlend, NotWhereTheMiddleShowsSomethingElse) {
 
 // At a contrast of 32 and a threshold of 3, the least cut is 9.
 
+TEST(AreStill, UpToSixTenthsOfTheLeastCut) {
+    const auto areStillOver = [](int distance, double cutThreshold = 3, float contrast = 32) {
+        return areStill(grey(100, contrast), grey(100 + distance, contrast), cutThreshold);
+    };
+    // 5.4
+    EXPECT_TRUE(areStillOver(2));
+    EXPECT_FALSE(areStillOver(3));
+    // 3.6
+    EXPECT_TRUE(areStillOver(1, 2));
+    EXPECT_FALSE(areStillOver(2, 2));
+    // 1.35
+    EXPECT_TRUE(areStillOver(0, 3, 0));
+    EXPECT_FALSE(areStillOver(1, 3, 0));
+}
+
 TEST(PassageBetween, OneViewUpToTwiceTheLeastCut) {
     EXPECT_EQ(passageOver(0), Passage::sameView);
     EXPECT_EQ(passageOver(9), Passage::sameView);
