@@ -185,7 +185,7 @@ void Decoder::smoothEdges(bool smooths) {
 }
 
 int Decoder::mostForgotten() const {
-    return context_->codec_id == AV_CODEC_ID_H264 ? context_->has_b_frames : 0;
+    return context_->codec_id == AV_CODEC_ID_H264 ? stream_.codecpar->video_delay : 0;
 }
 
 const AVFrame* Decoder::receive() {

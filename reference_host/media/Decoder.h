@@ -46,6 +46,10 @@ public:
     /// null where there is none. receive() gives the same frame when its turn comes.
     const AVFrame* newest();
 
+    /// Says whether a copy of an earlier frame takes the place of one that others need and whose
+    /// packet was not sent.
+    bool copiesMissing() const { return context_->codec_id == AV_CODEC_ID_H264; }
+
     /// Has frames left out, from the next packet on, that no other frame needs: they cost nothing
     /// then. Only where givesNewest().
     void leaveOutUnneeded(bool leavesOut);
@@ -55,8 +59,8 @@ public:
     void smoothEdges(bool smooths);
 
     /// How many frames may never come though nothing is wrong with them. Begun at the key frame of
-    /// an open group, the decoder of H.264 holds some back, so that they come in the order in which
-    /// they are shown, and forgets them if it is told of the end before the first one has come.
+    /// an open group, the decoder of H.264 forgets those that it has decoded before it gives the
+    /// first one, if it is told of the end meanwhile.
     int mostForgotten() const;
 
     /// Prepares for packets from another place of the stream; frames not yet received are dropped.

@@ -32,6 +32,7 @@ void PictureChain::send(const AVPacket& packet, const Savings& savings, const Ta
 void PictureChain::receive(const Take& take) {
     while (const AVFrame* frame = decoder_.receive()) {
         --awaited_;
+        hasReceived_ = true;
         if (!givesAtOnce()) take(*frame, frame->best_effort_timestamp);
     }
 }
@@ -51,7 +52,8 @@ bool PictureChain::end(const Take& take) {
     receive(take);
     decoder_.forget();
     const bool wasSpoilt = std::exchange(isSpoilt_, false);
-    const bool isComplete = std::exchange(awaited_, 0) <= decoder_.mostForgotten();
+    const std::int64_t most = std::exchange(hasReceived_, false) ? decoder_.mostForgotten() : 0;
+    const bool isComplete = std::exchange(awaited_, 0) <= most;
     return isComplete || wasSpoilt || !givesAtOnce();
 }
 

@@ -34,12 +34,16 @@ public:
     /// Decodes the next packet; the first one is a key frame's.
     void send(const AVPacket& packet, const Savings& savings, const Take& take);
 
+    /// Says whether packets may be left out that others need: a copy of an earlier picture takes
+    /// the place of each.
+    bool copiesMissing() const { return decoder_.copiesMissing(); }
+
     /// Hands out what comes of a packet without those before it that have not been sent. What is
     /// sent afterwards up to the end is worth nothing. Only where givesAtOnce().
     void glimpse(const AVPacket& packet, const Take& take);
 
     /// Hands out the pictures that are still to come, and makes ready for another key frame. Says
-    /// whether as many came as were announced: otherwise packets lacked something that the decoder
+    /// whether those came that were announced: otherwise packets lacked something that the decoder
     /// needs.
     bool end(const Take& take);
 
@@ -58,6 +62,8 @@ private:
     bool isSpoilt_ = false;
     /// Pictures that were handed out and have not been received in their turn.
     std::int64_t awaited_ = 0;
+    /// Pictures have been received since the beginning.
+    bool hasReceived_ = false;
     std::int64_t damageTaken_ = 0;
 };
 

@@ -32,6 +32,10 @@ constexpr std::int64_t mostPicturesBetweenKeys = 1200;
 constexpr std::int64_t keptBytes = std::int64_t{56} << 20;
 constexpr double extraPart = 0.25;
 
+/// In a still scene, three pictures are left out at a time that others need: of more, some would
+/// need others of them, and copies of copies differ more.
+constexpr std::int64_t mostStepsOfStillness = 4;
+
 /// Formats whose key frames stand for themselves, and for which decoders know no pictures across
 /// them. Others have key frames in name only, or keep a canvas that is drawn on.
 bool standAlone(AVCodecID codec) {
@@ -162,8 +166,9 @@ private:
         const auto units = [&video](std::int64_t ticks) {
             return inUnitsOf(video, static_cast<double>(ticks));
         };
-        const LongestGap gap{units(plan.gap.always), units(plan.gap.most), plan.gap.part,
-                             units(plan.gap.brief), units(plan.gap.still)};
+        const LongestGap gap{
+            units(plan.gap.always), units(plan.gap.most), plan.gap.part, units(plan.gap.brief),
+            std::min(units(plan.gap.still), mostStepsOfStillness * clock_.ordinaryDistance())};
         source_ = std::make_unique<SegmentedPictures>(
             std::move(container_), facts_,
             SegmentDecoder::Plan{plan.threshold, gap, KeyRhythm(facts_.keyTimestamps), grid_}, crew,

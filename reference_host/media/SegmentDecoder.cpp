@@ -226,10 +226,12 @@ private:
 
     PictureChain& chain() const { return *owner_.chain_; }
 
-    /// The decoder of H.264 puts a copy of the newest picture in the place of one that is missing.
-    /// Where nothing moves, that is nearly what is missing.
+    /// Says whether a copy of an earlier picture is nearly what the packet holds, even for those
+    /// that are predicted from it.
     bool mayBeMissing(const AVPacket& packet) const {
-        return owner_.longestStill_ > 0 && seen_.isInStillness(packet.pts, owner_.longestStill_);
+        const std::int64_t longest = owner_.plan_.gap.still;
+        return longest > 0 && chain().copiesMissing() && (packet.flags & AV_PKT_FLAG_KEY) == 0 &&
+               seen_.isInStillness(packet.pts, longest);
     }
 
     void send(const AVPacket& packet) {
@@ -334,7 +336,6 @@ SegmentDecoder::SegmentDecoder(const AVStream& stream, const Plan& plan, std::st
       stream_(stream),
       blends_(stream.codecpar->codec_id == AV_CODEC_ID_H264 ? SeenPictures::Blends::sparse
                                                             : SeenPictures::Blends::whole),
-      longestStill_(stream.codecpar->codec_id == AV_CODEC_ID_H264 ? plan.gap.still : 0),
       keeper_(stream, plan.kept) {
     openDecoders();
 }

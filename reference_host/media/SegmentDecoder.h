@@ -37,10 +37,11 @@ struct SegmentView {
 
 /// Decodes as little of segments as shows their scenes. Belongs to one thread at a time.
 ///
-/// Two kinds of pictures are left out. Those that no other picture needs, where the pictures on
-/// both sides show one view: seen from there, no scene begins between them. And the rest of a group
-/// of pictures, where the packets' sizes tell of nothing new and the next key frame either shows
-/// the view of the last picture, or a new one that has surely begun with itself.
+/// Three kinds of pictures are left out. Those that no other picture needs, where the pictures on
+/// both sides show one view: seen from there, no scene begins between them. Others, where nothing
+/// moves there and the plan allows it. And the rest of a group of pictures, where the packets'
+/// sizes tell of nothing new and the next key frame either shows the view of the last picture, or a
+/// new one that has surely begun with itself.
 class SegmentDecoder {
 public:
     struct Plan {
@@ -76,9 +77,6 @@ private:
     /// Seeing dissolves whole, so that their middle is found to the picture, takes up to a fifth
     /// longer; H.264, the most usual format, is to be fast instead.
     const SeenPictures::Blends blends_;
-    /// How far two pictures of a still scene may be apart of which those between are left out,
-    /// though others need them; 0 where none are.
-    const std::int64_t longestStill_;
     std::unique_ptr<PictureChain> chain_;
     /// Decodes key frames that are looked at before what is in front of them, and takes the place
     /// of `chain_` where decoding goes on from there.

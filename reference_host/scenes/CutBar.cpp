@@ -25,9 +25,11 @@ constexpr double plainContrast = ordinaryContrast / 2;
 /// Room for the movement between two neighbours, which may make a cut look smaller.
 constexpr double neighbourPart = 0.8;
 
-/// Two pictures of a still scene differ by no more than this part of the least cut. At twice as
-/// much, some boundaries are lost in what is predicted from the wrong pictures.
-constexpr double stillPart = 0.6;
+/// Two pictures of a still scene differ, pixel by pixel, by no more than this part of the least cut
+/// at an ordinary threshold, or at a lower one. Twice as much is too much: predicted from pictures
+/// that differ so much from what is missing, some boundaries are no longer to be seen.
+constexpr double stillPart = 0.45;
+constexpr double ordinaryThreshold = 3.0;
 
 /// The part of the pace between pictures that are two or three steps apart that is found between
 /// neighbours.
@@ -82,8 +84,9 @@ bool mayBlend(const PictureFeatures& first, const PictureFeatures& middle,
 }
 
 bool areStill(const PictureFeatures& before, const PictureFeatures& after, double threshold) {
-    return differenceOf(before, after) <=
-           stillPart * leastCut(before.contrast, after.contrast, threshold);
+    const double least =
+        leastCut(before.contrast, after.contrast, std::min(threshold, ordinaryThreshold));
+    return unmovedDifference(before.thumbnail, after.thumbnail) <= stillPart * least;
 }
 
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,

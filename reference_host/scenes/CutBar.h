@@ -48,8 +48,8 @@ bool mayBeOneView(const PictureFeatures& before, const PictureFeatures& after, d
 bool areNeighboursOfOneScene(const PictureFeatures& before, const PictureFeatures& after,
                              double pace, double threshold);
 
-/// Says whether next to nothing moves from one picture to another shortly behind it: either may be
-/// taken for what is between them.
+/// Says whether next to nothing moves or changes from one picture to another shortly behind it:
+/// either may be taken for what is between them.
 bool areStill(const PictureFeatures& before, const PictureFeatures& after, double threshold);
 
 /// Says whether three pictures, which follow each other at a few pictures' distance, may be part of

@@ -146,6 +146,37 @@ TEST(PictureChain, SaysAtItsEndThatPacketsLackedWhatTheyNeed) {
     EXPECT_TRUE(file.chain.end(file.take)) << "what was lacking before is forgotten";
 }
 
+TEST(PictureChain, MissesNothingWhenItEndsSoonBehindAKeyFrameOfAnOpenGroup) {
+    const FootageFiles files;
+    ChainOfFile file(files.makeVideo("a.mkv", 75,
+                                     x264 + "-x264-params open-gop=1:keyint=27:bframes=3:b-adapt=0:"
+                                            "b-pyramid=normal"));
+    const std::size_t key = file.nextKey(0);
+    ASSERT_GT(file.packets.size(), key + 8);
+    // Behind the key frame come those that are shown before it, and need what is before it.
+    std::size_t behind = key + 1;
+    while (file.packets[behind]->pts < file.packets[key]->pts)
+        ++behind;
+    ASSERT_GT(behind, key + 1);
+    for (std::size_t count = 0; count < 6; ++count) {
+        file.send(key, key + 1);
+        file.send(behind, behind + count);
+        EXPECT_TRUE(file.chain.end(file.take)) << count;
+        EXPECT_EQ(file.chain.takeDamage(), 0) << count;
+    }
+}
+
+TEST(PictureChain, MissesWhatTheFirstPicturesBehindAKeyFrameInNameOnlyNeed) {
+    const FootageFiles files;
+    ChainOfFile file(
+        files.makeVideo("a.mkv", 75, x264 + "-x264-params intra-refresh=1:bframes=3:b-adapt=0"));
+    const std::size_t key = file.nextKey(0);
+    for (std::size_t count = 1; count < 6; ++count) {
+        file.send(key, key + count);
+        EXPECT_FALSE(file.chain.end(file.take)) << count;
+    }
+}
+
 TEST(PictureChain, CountsDamageOnce) {
     const FootageFiles files;
     ChainOfFile file(files.makeVideo("a.mp4", 50, "-s 320x240 " + x264 + "-bf 0"));

@@ -303,11 +303,11 @@ std::filesystem::path makeCutInPyramid(const FootageFiles& files, int cut) {
         "-f lavfi -i testsrc2=size=320x180:rate=25 -f lavfi -i mandelbrot=size=320x180:rate=25 "
         "-f lavfi -i smptebars=size=320x180:rate=25 -filter_complex "
         "\"[1]trim=end_frame=1,loop=loop=-1:size=1,setpts=N/25/TB,fps=25,format=yuv420p[still];"
-        "[0]crop=32:32:140:70[spot];[still][spot]overlay=140:70,trim=end_frame=" +
+        "[0]crop=16:16:140:70[spot];[still][spot]overlay=140:70,trim=end_frame=" +
             std::to_string(cut) +
             ",format=yuv420p,setsar=1[a];[2]trim=end_frame=" + std::to_string(240 - cut) +
             ",format=yuv420p,setsar=1[b];[a][b]concat\" -c:v libx264 -preset veryfast -x264-params "
-            "keyint=120:min-keyint=120:scenecut=0:bframes=3:b-adapt=0:b-pyramid=normal");
+            "keyint=120:min-keyint=120:scenecut=0:bframes=3:b-adapt=0:b-pyramid=normal:ref=4");
 }
 
 /// Returns those of the numbers that are in the last group, in front of the cut's neighbours.

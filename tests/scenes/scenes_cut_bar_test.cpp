@@ -84,19 +84,33 @@ TEST(MayBlend, NotWhereTheMiddleShowsSomethingElse) {
 
 // At a contrast of 32 and a threshold of 3, the least cut is 9.
 
-TEST(AreStill, UpToSixTenthsOfTheLeastCut) {
-    const auto areStillOver = [](int distance, double cutThreshold = 3, float contrast = 32) {
-        return areStill(grey(100, contrast), grey(100 + distance, contrast), cutThreshold);
-    };
-    // 5.4
-    EXPECT_TRUE(areStillOver(2));
-    EXPECT_FALSE(areStillOver(3));
-    // 3.6
-    EXPECT_TRUE(areStillOver(1, 2));
-    EXPECT_FALSE(areStillOver(2, 2));
-    // 1.35
-    EXPECT_TRUE(areStillOver(0, 3, 0));
-    EXPECT_FALSE(areStillOver(1, 3, 0));
+bool areStillOver(int distance, double threshold = 3, float contrast = 32) {
+    return areStill(grey(100, contrast), grey(100 + distance, contrast), threshold);
+}
+
+TEST(AreStill, WhereHardlyAPixelChanges) {
+    // 0.45 of the least cut: 4.05
+    EXPECT_TRUE(areStillOver(4));
+    EXPECT_FALSE(areStillOver(5));
+    // 1.01
+    EXPECT_TRUE(areStillOver(1, 3, 0));
+    EXPECT_FALSE(areStillOver(2, 3, 0));
+}
+
+TEST(AreStill, FollowsLowThresholdsOnly) {
+    // 2.7
+    EXPECT_TRUE(areStillOver(2, 2));
+    EXPECT_FALSE(areStillOver(3, 2));
+    EXPECT_TRUE(areStillOver(4, 30));
+    EXPECT_FALSE(areStillOver(5, 30));
+}
+
+TEST(AreStill, NotWhereTheCameraMoves) {
+    const Scenery scenery(1);
+    const PictureFeatures here = featuresOf(scenery.seenFrom(100, 40));
+    const PictureFeatures there = featuresOf(scenery.seenFrom(112, 40));
+    EXPECT_TRUE(areNeighboursOfOneScene(here, there, 0, 3));
+    EXPECT_FALSE(areStill(here, there, 3));
 }
 
 TEST(PassageBetween, OneViewUpToTwiceTheLeastCut) {
