@@ -14,9 +14,20 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/mingw)
 
+# Wine needs the page at 0x7ffe0000 for itself, and does not start where the system has laid the heap
+# over it, as it does with one process in some thousands when it chooses addresses at random. Where
+# it may not be told not to, as in some containers, such a process fails.
+find_program(SETARCH setarch REQUIRED)
+execute_process(COMMAND ${SETARCH} -R ${CMAKE_COMMAND} -E true
+  RESULT_VARIABLE setarch_failure OUTPUT_QUIET ERROR_QUIET)
+set(FIXED_ADDRESSES)
+if(NOT setarch_failure)
+  set(FIXED_ADDRESSES ${SETARCH} -R)
+endif()
+
 # Wine, without a word of its own, a desktop, or a look at another build's drive C:.
 find_program(WINE NAMES wine64 PATHS /usr/lib/wine REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_COMMAND} -E env
   WINEDEBUG=-all WINEPREFIX=${CMAKE_BINARY_DIR}/wine
   WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=
-  ${WINE})
+  ${FIXED_ADDRESSES} ${WINE})
