@@ -73,7 +73,8 @@ public:
     bool isBetweenPicturesOfOneScene(std::int64_t timestamp) const;
 
     /// Says whether a picture that would be shown at `timestamp`, and has not been seen, is between
-    /// two that are no more than `longest` apart and show a scene in which nothing moves.
+    /// two that are no more than `longest` apart and show a scene in which nothing moves and the
+    /// light is steady.
     bool isInStillness(std::int64_t timestamp, std::int64_t longest) const;
 
 private:
