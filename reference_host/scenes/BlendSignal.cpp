@@ -16,8 +16,9 @@ namespace {
 constexpr std::array<std::size_t, 12> halfLengths = {3, 4, 5, 6, 8, 10, 12, 15, 18, 22, 27, 32};
 static_assert(2 * halfLengths.back() == blendReach);
 
-/// Longer mixes are not dissolves but changes of weather; also the limit where pictures are rare.
-constexpr std::int64_t longestBlendTicks = ticksPerSecond * 5 / 2;
+/// Longer mixes are not dissolves but changes of weather. The longest of 24 pictures a second that
+/// has as many as are tried; so where pictures are rare, nothing longer is.
+constexpr std::int64_t longestBlendTicks = ticksPerSecond * 9 / 4;
 
 /// A mix that leaves this much unexplained is none; see Mixture::residual. Movement in the two
 /// scenes costs up to 0.3.
@@ -42,6 +43,9 @@ constexpr float leastUnexplained = 0.5F;
 /// Across a longer step than this part of its length, a blend is a guess: pictures are missing
 /// there, and one step may well be a cut.
 constexpr std::int64_t leastStepsOfBlend = 4;
+
+/// Positions are rounded by less than this.
+constexpr std::int64_t roundingTicks = ticksPerSecond / 100;
 
 /// Weaker blends are none, at whatever threshold: less than coding noise makes.
 constexpr float smallestStrength = 2.0F;
@@ -78,9 +82,35 @@ float unlitDifferenceOf(const ThumbnailWindow& window, std::size_t first, std::s
     return differenceBetween(begin, inLightOf(begin, window[last].thumbnail)).widespread;
 }
 
-/// Returns the difference for each picture from `first` to `last`.
+/// Returns the time from `first` to `last`.
+float secondsOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
+    const std::int64_t ticks = window[last].positionTicks - window[first].positionTicks;
+    return static_cast<float>(ticks) / ticksPerSecond;
+}
+
+/// Returns the difference for each second from `first` to `last`.
 float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last) {
-    return differenceOf(window, first, last) / static_cast<float>(last - first);
+    return differenceOf(window, first, last) / secondsOf(window, first, last);
+}
+
+/// Returns the first picture of what lasts half as long as the blend and is before it; `first`
+/// where the footage begins later.
+std::size_t beginBefore(const ThumbnailWindow& window, std::size_t first, std::int64_t half) {
+    const std::int64_t latest = window[first].positionTicks - half + roundingTicks;
+    for (std::size_t i = first; i > window.begin();) {
+        if (window[--i].positionTicks <= latest) return i;
+    }
+    return first;
+}
+
+/// Returns the last picture of what lasts half as long as the blend and is behind it; `last` where
+/// the footage ends earlier.
+std::size_t endBehind(const ThumbnailWindow& window, std::size_t last, std::int64_t half) {
+    const std::int64_t earliest = window[last].positionTicks + half - roundingTicks;
+    for (std::size_t i = last + 1; i < window.end(); ++i) {
+        if (window[i].positionTicks >= earliest) return i;
+    }
+    return last;
 }
 
 /// Returns 1 where the pictures beside the blend stand still, 0 where they change nearly as fast as
@@ -88,12 +118,14 @@ float paceOf(const ThumbnailWindow& window, std::size_t first, std::size_t last)
 /// a fade. A side cut short by the end of the footage is taken to be like the other.
 float quietnessBeside(const ThumbnailWindow& window, std::size_t first, std::size_t last,
                       float paceInside) {
-    const std::size_t half = (last - first) / 2;
-    const bool hasBefore = first >= window.begin() + half;
-    const bool hasAfter = last + half < window.end();
+    const std::int64_t half = (window[last].positionTicks - window[first].positionTicks) / 2;
+    const std::size_t begin = beginBefore(window, first, half);
+    const std::size_t end = endBehind(window, last, half);
+    const bool hasBefore = begin < first;
+    const bool hasAfter = last < end;
     if (!hasBefore && !hasAfter) return 1;
-    const float before = hasBefore ? paceOf(window, first - half, first) : 0;
-    const float after = hasAfter ? paceOf(window, last, last + half) : 0;
+    const float before = hasBefore ? paceOf(window, begin, first) : 0;
+    const float after = hasAfter ? paceOf(window, last, end) : 0;
     const float quieter = hasBefore && hasAfter ? std::min(before, after) : before + after;
     const float louder = std::min(std::max(before, after), paceInside);
     const float beside = std::max(quieter, weightOfLouderSide * louder);
@@ -111,7 +143,7 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
     if (separation < leastUnexplained * unmoved) return 0;
     separation = std::min(separation, unlitDifferenceOf(window, first, last));
     if (separation * steadiness <= least) return 0;
-    const float paceInside = separation / static_cast<float>(last - first);
+    const float paceInside = separation / secondsOf(window, first, last);
     return separation * steadiness * quietnessBeside(window, first, last, paceInside);
 }
 

@@ -29,6 +29,8 @@ struct FrameSignal {
     /// The same, as far as it lasts: what remains of it when the pictures shortly before are
     /// compared with those shortly after.
     float lastingChange = 0;
+    /// What is before the picture was left out, so that nothing is known of its change.
+    bool isChangeUnknown = false;
     Blend blend;
 };
 

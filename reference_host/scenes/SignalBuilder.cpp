@@ -19,6 +19,7 @@ void SignalBuilder::add(const PictureFeatures& picture) {
     signal.positionTicks = picture.positionTicks;
     signal.sharpness = picture.sharpness;
     signal.contrast = picture.contrast;
+    signal.isChangeUnknown = picture.goesOn;
     signals_.push_back(signal);
     addForChange(entry);
     addForBlend(entry);

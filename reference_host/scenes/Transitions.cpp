@@ -75,6 +75,7 @@ double changeAround(std::span<const FrameSignal> signals, std::size_t frame) {
     std::array<float, 2 * neighbours> changes{};
     std::size_t count = 0;
     const auto take = [&](std::size_t i) {
+        if (signals[i].isChangeUnknown) return;
         if (isRepeated(signals[i]) && !isStill(signals, i)) return;
         changes[count++] = signals[i].change;
     };

@@ -25,6 +25,9 @@ public:
         }
     }
 
+    /// Leaves out one picture.
+    void skip() { position_ += stepTicks; }
+
     void dissolve(int count, const PictureSample& from, const PictureSample& to) {
         for (int i = 1; i <= count; ++i)
             show(1, mixed(from, to, i / (count + 1.0)));
@@ -176,6 +179,36 @@ TEST(BlendSignal, EndlessMixIsNone) {
     const std::vector<FrameSignal> result = signals.finish();
     for (std::size_t i = 100; i < 200; ++i)
         EXPECT_LT(result[i].blend.strength, 1) << i;
+}
+
+/// Returns the blend in the middle of a dissolve into a scene that slowly changes, of which every
+/// second picture is left out, or none.
+Blend blendIntoDrift(bool isSparse) {
+    const PictureSample before = Scenery(1).picture();
+    const PictureSample after = Scenery(2).picture();
+    const PictureSample late = Scenery(3).picture();
+    Signals signals;
+    signals.show(40, before);
+    signals.dissolve(19, before, after);
+    for (int i = 0; i < 60; ++i) {
+        if (isSparse && i > 6 && i % 2 == 1) {
+            signals.skip();
+        } else {
+            signals.show(1, mixed(after, late, i / 400.0));
+        }
+    }
+    return signals.finish()[49].blend;
+}
+
+TEST(BlendSignal, WhatIsBesideItChangesAsFastWherePicturesAreRare) {
+    const Blend dense = blendIntoDrift(false);
+    EXPECT_EQ(dense.framesAfter, 10U);
+    EXPECT_FLOAT_EQ(blendIntoDrift(true).strength, dense.strength);
+    Signals still;
+    still.show(40, Scenery(1).picture());
+    still.dissolve(19, Scenery(1).picture(), Scenery(2).picture());
+    still.show(60, Scenery(2).picture());
+    EXPECT_LT(dense.strength, still.finish()[49].blend.strength) << "which counts against it";
 }
 
 /// A steady mix from one scenery to another, of pictures that follow each other after these steps.

@@ -58,6 +58,19 @@ TEST(Cuts, NeedMoreInStillFootageThanTheirNeighbours) {
     EXPECT_EQ(boundariesOf(findCuts(signals, 3.0)), Frames({40}));
 }
 
+TEST(Cuts, StandOutFromWhatIsKnownOfTheirNeighbours) {
+    auto signals = quietSignals(80, 5);
+    for (const std::size_t cut : {20U, 60U}) {
+        for (std::size_t i = cut - 8; i <= cut + 8; ++i) {
+            setCut(signals, i, 0);
+            signals[i].isChangeUnknown = true;
+        }
+    }
+    setCut(signals, 20, 23.9F);
+    setCut(signals, 60, 24.1F);
+    EXPECT_EQ(boundariesOf(findCuts(signals, 3.0)), Frames({60}));
+}
+
 TEST(Cuts, NeedLessInFlatPictures) {
     auto signals = quietSignals(60, 0);
     for (FrameSignal& signal : signals)
