@@ -59,6 +59,9 @@ bool isWarning(const Verdict& verdict) {
     return verdict.outcome == Outcome::warn;
 }
 
+/// A fault in what several threads do at once shows most of the times, but not every time.
+constexpr int mostLooks = 5;
+
 /// Names each check that ought to find a fault in the library and does not.
 std::vector<std::string> checksThatMiss(const Mutant& mutant, Side side) {
     const Checker checker(programOf(side));
@@ -68,7 +71,9 @@ std::vector<std::string> checksThatMiss(const Mutant& mutant, Side side) {
     std::vector<std::string> blind;
     const auto look = [&](std::string_view ids, bool (*isWanted)(const Verdict&)) {
         for (const std::string& id : idsIn(ids)) {
-            const Verdict verdict = checker.verdictOn(id, options);
+            Verdict verdict = checker.verdictOn(id, options);
+            for (int looks = 1; looks < mostLooks && !isWanted(verdict); ++looks)
+                verdict = checker.verdictOn(id, options);
             if (!isWanted(verdict))
                 blind.push_back(id + ": " + std::string(nameOf(verdict.outcome)));
         }
