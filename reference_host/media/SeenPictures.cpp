@@ -18,7 +18,8 @@ constexpr double largestTimesPace = 3;
 constexpr double largestBesidePace = 3;
 
 /// Pictures are seen as part of a dissolve up to so many before and behind what looks like one:
-/// they tell how far it reaches.
+/// they tell how far it reaches. So are the first ones of a segment: what ends the one before it
+/// is not known.
 constexpr int stepsToBlend = 2;
 
 /// Where the light is steady, a picture has up to so many times the contrast of the one before it,
@@ -141,8 +142,10 @@ bool SeenPictures::isInStillness(std::int64_t timestamp, std::int64_t longest) c
 bool SeenPictures::isInBlend(ByTimestamp::const_iterator before,
                              ByTimestamp::const_iterator after) const {
     auto first = before;
-    for (int i = 0; i < stepsToBlend && first != pictures_.begin(); ++i)
+    for (int i = 0; i < stepsToBlend; ++i) {
+        if (first == pictures_.begin()) return true;
         --first;
+    }
     auto end = after;
     for (int i = 0; i <= stepsToBlend && end != pictures_.end(); ++i)
         ++end;

@@ -23,28 +23,46 @@ Frames framesWithin(Frames frames, KOR::TickRange range) {
     return {first, last};
 }
 
-/// Returns how many of `frames` lie in a margin of so many frames before `endTicks`: those that
-/// were left out behind the last of them are in it, too.
-std::size_t countInMargin(Frames frames, std::int64_t endTicks, std::int32_t margin) {
-    const std::int64_t wanted = std::max(0, margin);
-    std::int64_t distance = endTicks - frames.back().positionTicks;
-    for (std::size_t i = 1; i < frames.size(); ++i)
-        distance = std::min(distance, frames[i].positionTicks - frames[i - 1].positionTicks);
-    const std::int64_t missing =
-        (endTicks - frames.back().positionTicks) / std::max<std::int64_t>(1, distance) - 1;
-    return static_cast<std::size_t>(std::clamp<std::int64_t>(wanted - missing, 0, wanted));
+/// Returns how long a frame lasts: as long as from one to the next where none was left out.
+std::int64_t frameTicksOf(const FootageRecord& footage) {
+    std::int64_t shortest = std::max<std::int64_t>(1, footage.durationTicks);
+    for (std::size_t i = 1; i < footage.frames.size(); ++i) {
+        shortest = std::min(shortest,
+                            footage.frames[i].positionTicks - footage.frames[i - 1].positionTicks);
+    }
+    return shortest;
 }
 
-/// Takes the margins off both ends of frames that are shown up to `endTicks`; where nothing would
-/// be left, one frame stays, which divides the others in the margins' proportion.
-Frames withoutMargins(Frames frames, std::int64_t endTicks,
+/// Numbers the frames of a range from its begin on, and last its end. Those that were left out
+/// count, too.
+std::vector<std::int64_t> numbered(Frames frames, KOR::TickRange range, std::int64_t frameTicks) {
+    std::vector<std::int64_t> numbers = {(frames.front().positionTicks - range.begin) / frameTicks};
+    const auto append = [&](std::int64_t distance) {
+        numbers.push_back(numbers.back() + std::max<std::int64_t>(1, distance / frameTicks));
+    };
+    for (std::size_t i = 1; i < frames.size(); ++i)
+        append(frames[i].positionTicks - frames[i - 1].positionTicks);
+    append(range.end - frames.back().positionTicks);
+    return numbers;
+}
+
+/// Takes the margins off both ends of frames, which are those of `range`; where nothing would be
+/// left, one frame stays, which divides the others in the margins' proportion.
+Frames withoutMargins(Frames frames, KOR::TickRange range, std::int64_t frameTicks,
                       const KOR::KeyFrameParameters& parameters) {
-    const std::size_t begin = static_cast<std::size_t>(std::max(0, parameters.marginFramesBegin));
-    const std::size_t end = countInMargin(frames, endTicks, parameters.marginFramesEnd);
-    if (begin + end < frames.size()) return frames.subspan(begin, frames.size() - begin - end);
+    const std::vector<std::int64_t> numbers = numbered(frames, range, frameTicks);
+    const std::int64_t begin = std::max(0, parameters.marginFramesBegin);
+    const std::int64_t end = std::max(0, parameters.marginFramesEnd);
+    const auto frameAt = [&](auto found) { return frames.begin() + (found - numbers.begin()); };
+    const auto last = std::prev(numbers.end());
+    const auto first = frameAt(std::lower_bound(numbers.begin(), last, begin));
+    const auto behind = frameAt(std::lower_bound(numbers.begin(), last, *last - end));
+    if (first < behind) return {first, behind};
     const double share = static_cast<double>(begin) / static_cast<double>(begin + end);
-    return frames.subspan(static_cast<std::size_t>(share * static_cast<double>(frames.size() - 1)),
-                          1);
+    const auto dividing =
+        std::upper_bound(std::next(numbers.begin()), last,
+                         static_cast<std::int64_t>(share * static_cast<double>(*last - 1)));
+    return {std::prev(frameAt(dividing)), 1};
 }
 
 /// Returns how many keyframes a range of this length is worth.
@@ -113,13 +131,14 @@ void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
 /// Appends the keyframes of one range of `footage`; `pureFrames` are its frames outside of
 /// transitions.
 void chooseWithin(const KOR::TickRange& range, const FootageRecord& footage, Frames pureFrames,
-                  const KOR::KeyFrameParameters& parameters, std::vector<std::int64_t>& chosen) {
+                  std::int64_t frameTicks, const KOR::KeyFrameParameters& parameters,
+                  std::vector<std::int64_t>& chosen) {
     const Frames all = framesWithin(footage.frames, range);
     if (all.empty()) return;
     const std::int64_t begin = std::max<std::int64_t>(0, range.begin);
     const std::int64_t end =
         std::min(range.end, std::max(footage.durationTicks, all.back().positionTicks + 1));
-    const Frames inner = withoutMargins(all, end, parameters);
+    const Frames inner = withoutMargins(all, {begin, end}, frameTicks, parameters);
     const Frames pure =
         framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
     const Frames eligible = pure.empty() ? inner : pure;
@@ -136,9 +155,10 @@ std::vector<std::int64_t> chooseKeyFrames(const FootageRecord& footage,
     std::vector<FrameRecord> pureFrames;
     std::copy_if(footage.frames.begin(), footage.frames.end(), std::back_inserter(pureFrames),
                  [](const FrameRecord& frame) { return !frame.inTransition; });
+    const std::int64_t frameTicks = frameTicksOf(footage);
     std::vector<std::int64_t> chosen;
     for (const KOR::TickRange& range : ranges) {
-        chooseWithin(range, footage, pureFrames, parameters, chosen);
+        chooseWithin(range, footage, pureFrames, frameTicks, parameters, chosen);
     }
     std::sort(chosen.begin(), chosen.end());
     chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());

@@ -158,23 +158,33 @@ TEST(SeenPictures, AreNeededInBlendsThatAreToBeSeenWhole) {
     for (const auto blends : {SeenPictures::Blends::sparse, SeenPictures::Blends::whole}) {
         const bool isSparse = blends == SeenPictures::Blends::sparse;
         SeenPictures steady(threshold, blends);
-        addAll(steady, {100, 103, 106});
-        EXPECT_EQ(steady.isBetweenPicturesOfOneScene(5), isSparse) << "the first step";
-        EXPECT_EQ(steady.isBetweenPicturesOfOneScene(15), isSparse) << "the second step";
+        addAll(steady, {100, 100, 100, 103, 106});
+        EXPECT_EQ(steady.isBetweenPicturesOfOneScene(25), isSparse) << "the first step";
+        EXPECT_EQ(steady.isBetweenPicturesOfOneScene(35), isSparse) << "the second step";
         SeenPictures sudden(threshold, blends);
-        addAll(sudden, {100, 100, 103, 103});
-        for (const std::int64_t at : {5, 15, 25})
+        addAll(sudden, {100, 100, 100, 103, 103});
+        for (const std::int64_t at : {25, 35})
             EXPECT_TRUE(sudden.isBetweenPicturesOfOneScene(at)) << at;
+    }
+}
+
+TEST(SeenPictures, AreNeededWhereABlendMayEndThatBeganInTheSegmentBefore) {
+    for (const auto blends : {SeenPictures::Blends::sparse, SeenPictures::Blends::whole}) {
+        SeenPictures seen(threshold, blends);
+        addAll(seen, {100, 100, 100, 100});
+        for (const std::int64_t at : {5, 15})
+            EXPECT_EQ(seen.isBetweenPicturesOfOneScene(at), blends == SeenPictures::Blends::sparse);
+        EXPECT_TRUE(seen.isBetweenPicturesOfOneScene(25));
     }
 }
 
 TEST(SeenPictures, AreNeededBesideABlend) {
     SeenPictures seen(threshold, SeenPictures::Blends::whole);
-    addAll(seen, {100, 100, 100, 100, 103, 106, 106, 106, 106});
-    // 30 to 50 look like one.
-    for (const std::int64_t at : {25, 35, 45, 55})
+    addAll(seen, {100, 100, 100, 100, 100, 100, 103, 106, 106, 106, 106});
+    // 50 to 70 look like one.
+    for (const std::int64_t at : {45, 55, 65, 75})
         EXPECT_FALSE(seen.isBetweenPicturesOfOneScene(at)) << at;
-    for (const std::int64_t at : {5, 15, 65, 75})
+    for (const std::int64_t at : {25, 35, 85, 95})
         EXPECT_TRUE(seen.isBetweenPicturesOfOneScene(at)) << at;
 }
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <limits>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -114,6 +116,49 @@ TEST(KeyFrames, FramesThatWereLeftOutAreInTheMarginToo) {
         EXPECT_EQ(chooseKeyFrames(record, {{0, 100 * step}}, parameters), Positions{last * step})
             << missing;
     }
+}
+
+TEST(KeyFrames, FramesThatWereLeftOutAtTheBeginAreInTheMarginToo) {
+    // From 101 on, `missing` frames have not been looked at.
+    for (const auto& [begin, missing, first] :
+         {std::tuple(100, 0, 102), std::tuple(100, 1, 102), std::tuple(100, 2, 103),
+          std::tuple(100, 50, 151), std::tuple(101, 50, 151), std::tuple(150, 50, 152)}) {
+        FootageRecord record = footage(200);
+        record.frames.erase(record.frames.begin() + 101, record.frames.begin() + 101 + missing);
+        for (FrameRecord& frame : record.frames) {
+            frame.isKept = frame.positionTicks <= first * step;
+            if (frame.positionTicks < first * step) frame.sharpness = 90;
+        }
+        KOR::KeyFrameParameters parameters = defaults();
+        parameters.maxPerScene = 1;
+        EXPECT_EQ(chooseKeyFrames(record, {{begin * step, 200 * step}}, parameters),
+                  Positions{first * step})
+            << begin << ' ' << missing;
+    }
+}
+
+TEST(KeyFrames, MarginsAreKeptWhereEverySecondFrameWasLookedAt) {
+    FootageRecord record = footage(20);
+    std::erase_if(record.frames, [](const FrameRecord& frame) {
+        return frame.positionTicks > step && frame.positionTicks / step % 2 == 1;
+    });
+    KOR::KeyFrameParameters parameters = defaults();
+    parameters.marginFramesBegin = 8;
+    parameters.marginFramesEnd = 11;
+    EXPECT_EQ(chooseKeyFrames(record, {{0, 20 * step}}, parameters), Positions{8 * step});
+}
+
+TEST(KeyFrames, PositionsInMillisecondsDoNotMoveTheMargins) {
+    constexpr std::int64_t millisecond = second / 1000;
+    FootageRecord record = footage(0);
+    for (std::int64_t i = 0; i < 90; ++i)
+        record.frames.push_back({(i * 100 + 1) / 3 * millisecond, 10, 1, false});
+    record.durationTicks = 3 * second;
+    KOR::KeyFrameParameters parameters = defaults();
+    parameters.marginFramesBegin = 50;
+    parameters.marginFramesEnd = 39;
+    EXPECT_EQ(chooseKeyFrames(record, {{0, record.durationTicks}}, parameters),
+              Positions{record.frames[50].positionTicks});
 }
 
 TEST(KeyFrames, MarginsTooLargeLeaveOneFrame) {
