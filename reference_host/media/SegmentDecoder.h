@@ -28,6 +28,8 @@ struct SegmentView {
     std::vector<SegmentPicture> pictures;
     /// The last scene goes on in the next segment's first picture; see PictureFeatures.
     bool goesOn = false;
+    /// How many pictures behind the last one were left out.
+    std::uint32_t leftOutBehind = 0;
     std::vector<KeptPicture> kept;
     /// How many frames were lost, or decoded with parts made up.
     std::int64_t damaged = 0;

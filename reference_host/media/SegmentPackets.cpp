@@ -20,6 +20,20 @@ std::vector<const AVPacket*> SegmentPackets::all() const {
     return packets;
 }
 
+std::vector<std::int64_t> SegmentPackets::shown() const {
+    const AVPacket* next = keyOf(groups());
+    std::vector<std::int64_t> timestamps;
+    for (std::size_t group = 0; group <= groups(); ++group) {
+        for (const AvPointer<AVPacket>& packet : groupAt(group)) {
+            const bool isBefore = !isFirstOfVideo(0) && packet->pts < keyOf(0)->pts;
+            const bool isBehind = next != nullptr && packet->pts >= next->pts;
+            if (!isBefore && !isBehind) timestamps.push_back(packet->pts);
+        }
+    }
+    std::sort(timestamps.begin(), timestamps.end());
+    return timestamps;
+}
+
 bool SegmentPackets::isLeading(std::size_t group, std::size_t packet) const {
     return groupAt(group)[packet]->pts < groupAt(group).front()->pts;
 }

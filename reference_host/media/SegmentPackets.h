@@ -24,6 +24,10 @@ public:
     /// How many packets the segment has.
     std::size_t count() const { return count_; }
 
+    /// Returns when the pictures between the segment's first key frame and the next segment's are
+    /// shown, wherever they are stored; in ascending order.
+    std::vector<std::int64_t> shown() const;
+
     /// Says whether no picture needs another.
     bool standAlone() const { return segment_.standsAlone; }
 

@@ -152,8 +152,13 @@ bool SegmentedPictures::waitForView() {
 bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
     while (nextPicture_ == view_.pictures.size()) {
         const bool goesOn = view_.goesOn;
+        const std::uint32_t leftOut = view_.leftOutBehind;
         if (!waitForView()) return false;
-        if (goesOn && !view_.pictures.empty()) view_.pictures.front().features.goesOn = true;
+        if (!view_.pictures.empty()) {
+            scenes::PictureFeatures& first = view_.pictures.front().features;
+            first.goesOn = first.goesOn || goesOn;
+            first.leftOutBefore += leftOut;
+        }
         nextPicture_ = 0;
         damage_.damaged += view_.damaged;
         damage_.all += view_.frames;

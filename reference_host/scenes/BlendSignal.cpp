@@ -147,11 +147,6 @@ float strengthOf(const ThumbnailWindow& window, std::size_t first, std::size_t n
     return separation * steadiness * quietnessBeside(window, first, last, paceInside);
 }
 
-/// Returns how long after the one before it the picture `number` is shown.
-std::int64_t stepBefore(const ThumbnailWindow& window, std::size_t number) {
-    return window[number].positionTicks - window[number - 1].positionTicks;
-}
-
 }  // namespace
 
 Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
@@ -164,16 +159,18 @@ Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
         const WindowPicture& end = window[number + half];
         if (end.positionTicks - begin.positionTicks > longestBlendTicks) break;
         for (; covered < half; ++covered) {
-            longestStep = std::max({longestStep, stepBefore(window, number - covered),
-                                    stepBefore(window, number + covered + 1)});
+            longestStep = std::max({longestStep, window[number - covered].stepTicks,
+                                    window[number + covered + 1].stepTicks});
         }
         if (longestStep * leastStepsOfBlend > end.positionTicks - begin.positionTicks) continue;
         const float least = std::max(strongest.strength, smallestStrength);
         const float strength = strengthOf(window, number - half, number, number + half, least);
         if (strength <= least) continue;
         const std::size_t frame = window[number].frame;
+        const std::size_t last = end.frame + (end.isStandIn ? 1 : 0);
         strongest = {strength, static_cast<std::uint32_t>(frame - begin.frame),
-                     static_cast<std::uint32_t>(end.frame - frame)};
+                     static_cast<std::uint32_t>(last - frame),
+                     static_cast<std::uint32_t>(2 * half)};
     }
     return strongest;
 }

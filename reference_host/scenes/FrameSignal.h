@@ -16,6 +16,9 @@ struct Blend {
     /// this one.
     std::uint32_t framesBefore = 0;
     std::uint32_t framesAfter = 0;
+    /// How many steps it takes from the one to the other at the rate at which blends are looked
+    /// for.
+    std::uint32_t steps = 0;
 };
 
 /// What the decisions know of one picture.

@@ -19,6 +19,8 @@ struct PictureFeatures {
     /// It is known to belong to the scene of the picture before, however much that differs: what
     /// is between them was left out.
     bool goesOn = false;
+    /// How many pictures between this one and the one before it were left out.
+    std::uint32_t leftOutBefore = 0;
 };
 
 /// Returns the features of `picture`.

@@ -1,6 +1,7 @@
 #include "reference_host/scenes/SignalBuilder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace reference_host::scenes {
@@ -22,7 +23,7 @@ void SignalBuilder::add(const PictureFeatures& picture) {
     signal.isChangeUnknown = picture.goesOn;
     signals_.push_back(signal);
     addForChange(entry);
-    addForBlend(entry);
+    addForBlend(entry, picture.leftOutBefore);
 }
 
 void SignalBuilder::addForChange(const WindowPicture& picture) {
@@ -30,11 +31,34 @@ void SignalBuilder::addForChange(const WindowPicture& picture) {
     if (changeWindow_.end() > lastingReach) setChange(changeWindow_.end() - 1 - lastingReach);
 }
 
-void SignalBuilder::addForBlend(const WindowPicture& picture) {
+void SignalBuilder::addForBlend(WindowPicture picture, std::uint32_t leftOut) {
     if (blendWindow_.end() > 0) {
-        const WindowPicture& newest = blendWindow_[blendWindow_.end() - 1];
-        if (picture.positionTicks - newest.positionTicks < smallestBlendStepTicks) return;
+        const std::int64_t newest = blendWindow_[blendWindow_.end() - 1].positionTicks;
+        picture.stepTicks = picture.positionTicks - newest;
+        if (picture.stepTicks < smallestBlendStepTicks) return;
+        addStandIns(leftOut, picture);
     }
+    pushForBlend(picture);
+}
+
+/// Puts mixes of the newest picture of the window and the next one into the places of those that
+/// were left out between them.
+void SignalBuilder::addStandIns(std::uint32_t count, const WindowPicture& next) {
+    const WindowPicture newest = blendWindow_[blendWindow_.end() - 1];
+    std::int64_t latest = newest.positionTicks;
+    for (std::uint32_t i = 1; i <= count; ++i) {
+        const double share = i / (count + 1.0);
+        const auto position =
+            newest.positionTicks + std::llround(share * static_cast<double>(next.stepTicks));
+        if (position - latest < smallestBlendStepTicks) continue;
+        if (next.positionTicks - position < smallestBlendStepTicks) break;
+        latest = position;
+        pushForBlend({newest.frame, position, mixOf(newest.thumbnail, next.thumbnail, share), false,
+                      next.stepTicks, true});
+    }
+}
+
+void SignalBuilder::pushForBlend(const WindowPicture& picture) {
     blendWindow_.push(picture);
     if (blendWindow_.end() > blendReach) setBlend(blendWindow_.end() - 1 - blendReach);
 }
@@ -48,6 +72,7 @@ void SignalBuilder::setChange(std::size_t number) {
 }
 
 void SignalBuilder::setBlend(std::size_t number) {
+    if (blendWindow_[number].isStandIn) return;
     signals_[blendWindow_[number].frame].blend = blendAt(blendWindow_, number);
 }
 

@@ -19,6 +19,21 @@ Thumbnail::Plane sorted(const Thumbnail::Plane& plane) {
     return result;
 }
 
+Thumbnail::Plane mixOf(const Thumbnail::Plane& begin, const Thumbnail::Plane& end, double share) {
+    Thumbnail::Plane mix;
+    std::transform(begin.begin(), begin.end(), end.begin(), mix.begin(),
+                   [share](std::uint8_t a, std::uint8_t b) {
+                       return static_cast<std::uint8_t>(std::lround(a + share * (b - a)));
+                   });
+    return mix;
+}
+
+void setTones(Thumbnail& thumbnail) {
+    thumbnail.lumaTones = sorted(thumbnail.luma);
+    thumbnail.uTones = sorted(thumbnail.u);
+    thumbnail.vTones = sorted(thumbnail.v);
+}
+
 }  // namespace
 
 Thumbnail thumbnailOf(const PictureSample& picture) {
@@ -45,10 +60,17 @@ Thumbnail thumbnailOf(const PictureSample& picture) {
     }
     thumbnail.u = picture.u;
     thumbnail.v = picture.v;
-    thumbnail.lumaTones = sorted(thumbnail.luma);
-    thumbnail.uTones = sorted(thumbnail.u);
-    thumbnail.vTones = sorted(thumbnail.v);
+    setTones(thumbnail);
     return thumbnail;
+}
+
+Thumbnail mixOf(const Thumbnail& begin, const Thumbnail& end, double share) {
+    Thumbnail mix;
+    mix.luma = mixOf(begin.luma, end.luma, share);
+    mix.u = mixOf(begin.u, end.u, share);
+    mix.v = mixOf(begin.v, end.v, share);
+    setTones(mix);
+    return mix;
 }
 
 float brightnessOf(const Thumbnail& thumbnail) {

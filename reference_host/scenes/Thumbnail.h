@@ -29,6 +29,9 @@ struct Thumbnail {
 /// Averages the picture's brightness down to the size of its colour.
 Thumbnail thumbnailOf(const PictureSample& picture);
 
+/// Returns a mix of two pictures: `begin` for the share 0, `end` for 1.
+Thumbnail mixOf(const Thumbnail& begin, const Thumbnail& end, double share);
+
 /// Returns the mean brightness, 0 to 255.
 float brightnessOf(const Thumbnail& thumbnail);
 

@@ -17,6 +17,11 @@ struct WindowPicture {
     Thumbnail thumbnail;
     /// See PictureFeatures.
     bool goesOn = false;
+    /// How long before this picture, or the next that was seen, the last one before it was seen; 0
+    /// for the first.
+    std::int64_t stepTicks = 0;
+    /// It stands in for one that was left out.
+    bool isStandIn = false;
 };
 
 /// The newest pictures of a stream, up to a fixed number; addressed by running numbers that go on

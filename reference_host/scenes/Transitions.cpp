@@ -107,7 +107,7 @@ bool isLargestLastingChange(std::span<const FrameSignal> signals, std::size_t fr
 /// Returns how much a blend explains: a short piece of a dissolve may look purer than the whole,
 /// but explains less of what is seen.
 float weightOf(const Blend& blend) {
-    return blend.strength * static_cast<float>(blend.framesBefore + blend.framesAfter);
+    return blend.strength * static_cast<float>(blend.steps);
 }
 
 Transition transitionOf(const Blend& blend, std::size_t frame) {

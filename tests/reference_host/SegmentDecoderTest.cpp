@@ -35,11 +35,16 @@ struct Look {
     std::vector<std::int64_t> begins;
 };
 
+/// Looks at a video that has lost nothing: with those that are left out, pictures are numbered
+/// without a gap.
 Look lookAt(PictureReader& reader, std::int64_t frames) {
     reference_host::scenes::SceneAnalysis analysis(3.0);
     Look look;
+    std::int64_t number = 0;
     for (const PictureFeatures& picture : picturesOf(reader)) {
         analysis.add(picture);
+        number += picture.leftOutBefore;
+        EXPECT_EQ(picture.positionTicks / stepTicks, number++);
         look.pictures.push_back(picture.positionTicks / stepTicks);
     }
     for (const KOR::TickRange& scene : analysis.finish(frames * stepTicks).scenes)

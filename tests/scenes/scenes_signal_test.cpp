@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -20,13 +21,18 @@ public:
         for (int i = 0; i < count; ++i) {
             PictureSample placed = picture;
             placed.positionTicks = position_;
-            builder_.add(featuresOf(placed));
+            PictureFeatures features = featuresOf(placed);
+            features.leftOutBefore = std::exchange(leftOut_, 0);
+            builder_.add(features);
             position_ += stepTicks;
         }
     }
 
     /// Leaves out one picture.
-    void skip() { position_ += stepTicks; }
+    void skip() {
+        position_ += stepTicks;
+        ++leftOut_;
+    }
 
     void dissolve(int count, const PictureSample& from, const PictureSample& to) {
         for (int i = 1; i <= count; ++i)
@@ -37,6 +43,7 @@ public:
 
 private:
     std::int64_t position_ = 0;
+    std::uint32_t leftOut_ = 0;
     SignalBuilder builder_;
 };
 
@@ -211,6 +218,58 @@ TEST(BlendSignal, WhatIsBesideItChangesAsFastWherePicturesAreRare) {
     EXPECT_LT(dense.strength, still.finish()[49].blend.strength) << "which counts against it";
 }
 
+/// The signals of a dissolve that takes the pictures 40 to 58 of 99, without those that are `out`.
+std::vector<FrameSignal> dissolveWithout(const std::vector<int>& out) {
+    Signals signals;
+    for (int i = 0; i < 99; ++i) {
+        if (std::ranges::count(out, i) > 0) {
+            signals.skip();
+        } else {
+            signals.show(1, mixed(Scenery(1).picture(), Scenery(2).picture(),
+                                  std::clamp((i - 39) / 20.0, 0.0, 1.0)));
+        }
+    }
+    return signals.finish();
+}
+
+const FrameSignal& strongestOf(const std::vector<FrameSignal>& signals) {
+    return *std::max_element(signals.begin(), signals.end(),
+                             [](const FrameSignal& a, const FrameSignal& b) {
+                                 return a.blend.strength < b.blend.strength;
+                             });
+}
+
+TEST(BlendSignal, IsInTheSamePlaceWhereverPicturesWereLeftOut) {
+    const std::vector<FrameSignal> all = dissolveWithout({});
+    const FrameSignal& whole = strongestOf(all);
+    ASSERT_EQ(whole.positionTicks, 49 * stepTicks);
+    ASSERT_EQ(whole.blend.steps, 20U);
+    for (const std::vector<int>& out :
+         {std::vector{45}, {41, 43}, {52, 54, 56, 58}, {60, 61, 62, 63, 64}, {38, 39}, {59, 60}}) {
+        const std::vector<FrameSignal> some = dissolveWithout(out);
+        EXPECT_EQ(some.size() + out.size(), all.size());
+        const FrameSignal& strongest = strongestOf(some);
+        EXPECT_EQ(strongest.positionTicks, whole.positionTicks) << out.front();
+        EXPECT_EQ(strongest.blend.steps, 20U) << out.front();
+        // Where it begins or ends, a mix is off by half a step.
+        const bool isAtAnEnd = out.front() == 38 || out.front() == 59;
+        EXPECT_NEAR(strongest.blend.strength, whole.blend.strength, isAtAnEnd ? 20 : 1)
+            << out.front();
+    }
+}
+
+TEST(BlendSignal, EndsAtPicturesThatWereSeen) {
+    const std::vector<FrameSignal> signals =
+        dissolveWithout({35, 36, 37, 38, 39, 59, 60, 61, 62, 63});
+    const auto middle = std::find_if(signals.begin(), signals.end(), [](const FrameSignal& signal) {
+        return signal.positionTicks == 49 * stepTicks;
+    });
+    // So it would end at the pictures 37 and 61.
+    ASSERT_EQ(middle->blend.steps, 24U);
+    EXPECT_EQ((middle - middle->blend.framesBefore)->positionTicks, 34 * stepTicks);
+    EXPECT_EQ((middle + middle->blend.framesAfter)->positionTicks, 64 * stepTicks);
+}
+
 /// A steady mix from one scenery to another, of pictures that follow each other after these steps.
 ThumbnailWindow steadyMix(const std::vector<std::int64_t>& stepsTicks) {
     const PictureSample from = Scenery(1).picture();
@@ -222,7 +281,8 @@ ThumbnailWindow steadyMix(const std::vector<std::int64_t>& stepsTicks) {
     std::int64_t position = 0;
     for (std::size_t i = 0; i <= stepsTicks.size(); ++i) {
         const double share = static_cast<double>(position) / static_cast<double>(length);
-        window.push({i, position, thumbnailOf(mixed(from, to, share))});
+        window.push({i, position, thumbnailOf(mixed(from, to, share)), false,
+                     i == 0 ? 0 : stepsTicks[i - 1]});
         if (i < stepsTicks.size()) position += stepsTicks[i];
     }
     return window;

@@ -46,6 +46,30 @@ TEST(Thumbnail, TonesAreItsValuesInOrder) {
     EXPECT_EQ(thumbnail.vTones, expected);
 }
 
+TEST(Thumbnail, MixesOfTwo) {
+    PictureSample begin;
+    PictureSample end;
+    begin.luma.fill(10);
+    end.luma.fill(20);
+    begin.u.fill(0);
+    end.u.fill(255);
+    begin.v.fill(200);
+    end.v.fill(100);
+    begin.v[0] = 100;
+    end.v[0] = 200;
+
+    const Thumbnail mix = mixOf(thumbnailOf(begin), thumbnailOf(end), 0.25);
+
+    EXPECT_EQ(mix.luma[5], 13) << "12.5, rounded";
+    EXPECT_EQ(mix.u[5], 64) << "63.75, rounded";
+    EXPECT_EQ(mix.v[0], 125);
+    EXPECT_EQ(mix.v[1], 175);
+    EXPECT_EQ(mix.vTones.front(), 125);
+    EXPECT_EQ(mix.vTones.back(), 175);
+    EXPECT_EQ(mix.lumaTones, mix.luma);
+    EXPECT_EQ(mix.uTones, mix.u);
+}
+
 TEST(Thumbnail, ContrastIsTheStandardDeviation) {
     EXPECT_FLOAT_EQ(contrastOf(thumbnailOf(plain(77))), 0);
     const PictureSample halves = covered(plain(0), 0, 0, lumaWidthPx / 2, lumaHeightPx, 255);

@@ -27,7 +27,7 @@ void setCut(std::vector<FrameSignal>& signals, std::size_t frame, float change) 
 
 void setBlend(std::vector<FrameSignal>& signals, std::size_t frame, float strength,
               std::uint32_t half) {
-    signals[frame].blend = {strength, half, half};
+    signals[frame].blend = {strength, half, half, 2 * half};
 }
 
 void setPlain(std::vector<FrameSignal>& signals, std::size_t begin, std::size_t end) {
