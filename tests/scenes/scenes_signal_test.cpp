@@ -258,6 +258,13 @@ TEST(BlendSignal, IsInTheSamePlaceWhereverPicturesWereLeftOut) {
     }
 }
 
+TEST(BlendSignal, HasAPictureThatWasSeenInItsMiddle) {
+    const std::vector<FrameSignal> all = dissolveWithout({});
+    const std::vector<FrameSignal> some = dissolveWithout({49});
+    EXPECT_GT(all[49].blend.strength, all[48].blend.strength + 5);
+    EXPECT_NEAR(some[48].blend.strength, all[48].blend.strength, 1);
+}
+
 TEST(BlendSignal, EndsAtPicturesThatWereSeen) {
     const std::vector<FrameSignal> signals =
         dissolveWithout({35, 36, 37, 38, 39, 59, 60, 61, 62, 63});
