@@ -18,8 +18,8 @@ constexpr double largestTimesPace = 3;
 constexpr double largestBesidePace = 3;
 
 /// Pictures are seen as part of a dissolve up to so many before and behind what looks like one:
-/// they tell how far it reaches. So are the first ones of a segment: what ends the one before it
-/// is not known.
+/// they tell how far it reaches. So are the first ones of a segment: how the one before it
+/// ends is not known here.
 constexpr int stepsToBlend = 2;
 
 /// Where the light is steady, a picture has up to so many times the contrast of the one before it,

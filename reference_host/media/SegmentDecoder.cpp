@@ -301,30 +301,27 @@ private:
         SegmentView view;
         view.damaged = damaged_;
         view.frames = static_cast<std::int64_t>(packets_.count());
-        view.pictures = pictures(view.leftOutBehind);
+        addPictures(view);
         view.kept = owner_.keeper_.take();
         const AVPacket* next = keyOf(packets_.groups());
         view.goesOn = next != nullptr && seen_.goesOnAt(next->pts);
         return view;
     }
 
-    /// Returns the pictures that have been seen, and counts what was left out before each of them
-    /// and behind the last.
-    std::vector<SegmentPicture> pictures(std::uint32_t& leftOutBehind) const {
+    /// Adds the pictures that have been seen, and how many were left out around them.
+    void addPictures(SegmentView& view) const {
         const std::vector<std::int64_t> shown = packets_.shown();
         auto behind = shown.begin();
-        std::vector<SegmentPicture> pictures;
         for (const auto& [timestamp, features] : seen_.all()) {
             if (isOfNextSegment(timestamp)) break;
-            const auto here = std::lower_bound(behind, shown.end(), timestamp);
-            pictures.push_back({timestamp, features});
-            scenes::PictureFeatures& picture = pictures.back().features;
+            view.pictures.push_back({timestamp, features});
+            scenes::PictureFeatures& picture = view.pictures.back().features;
             picture.goesOn = seen_.goesOnAt(timestamp);
+            const auto here = std::lower_bound(behind, shown.end(), timestamp);
             picture.leftOutBefore = static_cast<std::uint32_t>(here - behind);
             behind = std::upper_bound(here, shown.end(), timestamp);
         }
-        leftOutBehind = static_cast<std::uint32_t>(shown.end() - behind);
-        return pictures;
+        view.leftOutBehind = static_cast<std::uint32_t>(shown.end() - behind);
     }
 
     SegmentDecoder& owner_;

@@ -27,7 +27,8 @@ std::vector<std::int64_t> SegmentPackets::shown() const {
         for (const AvPointer<AVPacket>& packet : groupAt(group)) {
             const bool isBefore = !isFirstOfVideo(0) && packet->pts < keyOf(0)->pts;
             const bool isBehind = next != nullptr && packet->pts >= next->pts;
-            if (!isBefore && !isBehind) timestamps.push_back(packet->pts);
+            const bool isShown = (packet->flags & AV_PKT_FLAG_DISCARD) == 0;
+            if (isShown && !isBefore && !isBehind) timestamps.push_back(packet->pts);
         }
     }
     std::sort(timestamps.begin(), timestamps.end());

@@ -150,9 +150,10 @@ bool SegmentedPictures::waitForView() {
 }
 
 bool SegmentedPictures::next(std::int64_t& timestamp, scenes::PictureFeatures& picture) {
+    std::uint32_t leftOut = 0;
     while (nextPicture_ == view_.pictures.size()) {
         const bool goesOn = view_.goesOn;
-        const std::uint32_t leftOut = view_.leftOutBehind;
+        leftOut += view_.leftOutBehind;
         if (!waitForView()) return false;
         if (!view_.pictures.empty()) {
             scenes::PictureFeatures& first = view_.pictures.front().features;

@@ -167,7 +167,7 @@ Blend blendAt(const ThumbnailWindow& window, std::size_t number) {
         const float strength = strengthOf(window, number - half, number, number + half, least);
         if (strength <= least) continue;
         const std::size_t frame = window[number].frame;
-        const std::size_t last = end.frame + (end.isStandIn ? 1 : 0);
+        const std::size_t last = end.frame + end.framesToNext;
         strongest = {strength, static_cast<std::uint32_t>(frame - begin.frame),
                      static_cast<std::uint32_t>(last - frame),
                      static_cast<std::uint32_t>(2 * half)};

@@ -19,6 +19,8 @@ struct FrameRecord {
     bool inTransition = false;
     /// It was kept, so that it costs little to look at it.
     bool isKept = false;
+    /// How many frames the footage has before it, also those that were left out.
+    std::uint32_t number = 0;
 };
 
 /// What scene analysis has learnt about one video: a small record for each picture, and the scenes.

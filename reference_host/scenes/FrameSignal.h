@@ -24,6 +24,8 @@ struct Blend {
 /// What the decisions know of one picture.
 struct FrameSignal {
     std::int64_t positionTicks = 0;
+    /// How many pictures the footage has before it, also those that were left out.
+    std::uint32_t number = 0;
     float sharpness = 0;
     /// Standard deviation of the brightness.
     float contrast = 0;

@@ -23,46 +23,49 @@ Frames framesWithin(Frames frames, KOR::TickRange range) {
     return {first, last};
 }
 
-/// Returns how long a frame lasts: as long as from one to the next where none was left out.
-std::int64_t frameTicksOf(const FootageRecord& footage) {
-    std::int64_t shortest = std::max<std::int64_t>(1, footage.durationTicks);
-    for (std::size_t i = 1; i < footage.frames.size(); ++i) {
-        shortest = std::min(shortest,
-                            footage.frames[i].positionTicks - footage.frames[i - 1].positionTicks);
-    }
-    return shortest;
+/// Returns the number of the first frame at `positionTicks` or behind it; between two that were
+/// looked at, those that were left out are taken to follow each other evenly. There has to be one.
+std::int64_t numberAt(Frames frames, std::int64_t positionTicks) {
+    const auto next = std::partition_point(
+        frames.begin(), frames.end(),
+        [&](const FrameRecord& frame) { return frame.positionTicks < positionTicks; });
+    if (next == frames.begin()) return next->number;
+    const FrameRecord& before = *std::prev(next);
+    if (next == frames.end()) return std::int64_t{before.number} + 1;
+    const auto ticks = static_cast<double>(next->positionTicks - positionTicks);
+    const auto gap = static_cast<double>(next->positionTicks - before.positionTicks);
+    return next->number - static_cast<std::int64_t>(ticks / gap * (next->number - before.number));
 }
 
-/// Numbers the frames of a range from its begin on, and last its end. Those that were left out
-/// count, too.
-std::vector<std::int64_t> numbered(Frames frames, KOR::TickRange range, std::int64_t frameTicks) {
-    std::vector<std::int64_t> numbers = {(frames.front().positionTicks - range.begin) / frameTicks};
-    const auto append = [&](std::int64_t distance) {
-        numbers.push_back(numbers.back() + std::max<std::int64_t>(1, distance / frameTicks));
+/// Returns those of `frames` whose number is at least `begin` and below `end`.
+Frames framesNumbered(Frames frames, std::int64_t begin, std::int64_t end) {
+    const auto at = [&](std::int64_t number) {
+        return std::partition_point(frames.begin(), frames.end(), [&](const FrameRecord& frame) {
+            return frame.number < number;
+        });
     };
-    for (std::size_t i = 1; i < frames.size(); ++i)
-        append(frames[i].positionTicks - frames[i - 1].positionTicks);
-    append(range.end - frames.back().positionTicks);
-    return numbers;
+    const auto first = at(begin);
+    return {first, std::max(first, at(end))};
 }
 
-/// Takes the margins off both ends of frames, which are those of `range`; where nothing would be
-/// left, one frame stays, which divides the others in the margins' proportion.
-Frames withoutMargins(Frames frames, KOR::TickRange range, std::int64_t frameTicks,
-                      const KOR::KeyFrameParameters& parameters) {
-    const std::vector<std::int64_t> numbers = numbered(frames, range, frameTicks);
-    const std::int64_t begin = std::max(0, parameters.marginFramesBegin);
-    const std::int64_t end = std::max(0, parameters.marginFramesEnd);
-    const auto frameAt = [&](auto found) { return frames.begin() + (found - numbers.begin()); };
-    const auto last = std::prev(numbers.end());
-    const auto first = frameAt(std::lower_bound(numbers.begin(), last, begin));
-    const auto behind = frameAt(std::lower_bound(numbers.begin(), last, *last - end));
-    if (first < behind) return {first, behind};
-    const double share = static_cast<double>(begin) / static_cast<double>(begin + end);
+/// Returns the frames of a range of `footage`, which holds one, without the margins at both ends;
+/// where nothing would be left, one frame stays, which divides the range in the margins'
+/// proportion.
+Frames framesBetweenMargins(Frames footage, KOR::TickRange range,
+                            const KOR::KeyFrameParameters& parameters) {
+    const Frames frames = framesWithin(footage, range);
+    const std::int64_t begin = numberAt(footage, range.begin);
+    const std::int64_t end = numberAt(footage, range.end);
+    const std::int64_t marginBegin = std::max(0, parameters.marginFramesBegin);
+    const std::int64_t marginEnd = std::max(0, parameters.marginFramesEnd);
+    const Frames inner = framesNumbered(frames, begin + marginBegin, end - marginEnd);
+    if (!inner.empty()) return inner;
+    const double share =
+        static_cast<double>(marginBegin) / static_cast<double>(marginBegin + marginEnd);
     const auto dividing =
-        std::upper_bound(std::next(numbers.begin()), last,
-                         static_cast<std::int64_t>(share * static_cast<double>(*last - 1)));
-    return {std::prev(frameAt(dividing)), 1};
+        begin + static_cast<std::int64_t>(share * static_cast<double>(end - 1 - begin));
+    const Frames later = framesNumbered(frames.subspan(1), dividing + 1, end);
+    return {std::prev(later.begin()), 1};
 }
 
 /// Returns how many keyframes a range of this length is worth.
@@ -131,14 +134,13 @@ void chooseFrom(Frames frames, std::size_t count, std::size_t candidates,
 /// Appends the keyframes of one range of `footage`; `pureFrames` are its frames outside of
 /// transitions.
 void chooseWithin(const KOR::TickRange& range, const FootageRecord& footage, Frames pureFrames,
-                  std::int64_t frameTicks, const KOR::KeyFrameParameters& parameters,
-                  std::vector<std::int64_t>& chosen) {
+                  const KOR::KeyFrameParameters& parameters, std::vector<std::int64_t>& chosen) {
     const Frames all = framesWithin(footage.frames, range);
     if (all.empty()) return;
     const std::int64_t begin = std::max<std::int64_t>(0, range.begin);
     const std::int64_t end =
         std::min(range.end, std::max(footage.durationTicks, all.back().positionTicks + 1));
-    const Frames inner = withoutMargins(all, {begin, end}, frameTicks, parameters);
+    const Frames inner = framesBetweenMargins(footage.frames, {begin, end}, parameters);
     const Frames pure =
         framesWithin(pureFrames, {inner.front().positionTicks, inner.back().positionTicks + 1});
     const Frames eligible = pure.empty() ? inner : pure;
@@ -155,10 +157,9 @@ std::vector<std::int64_t> chooseKeyFrames(const FootageRecord& footage,
     std::vector<FrameRecord> pureFrames;
     std::copy_if(footage.frames.begin(), footage.frames.end(), std::back_inserter(pureFrames),
                  [](const FrameRecord& frame) { return !frame.inTransition; });
-    const std::int64_t frameTicks = frameTicksOf(footage);
     std::vector<std::int64_t> chosen;
     for (const KOR::TickRange& range : ranges) {
-        chooseWithin(range, footage, pureFrames, frameTicks, parameters, chosen);
+        chooseWithin(range, footage, pureFrames, parameters, chosen);
     }
     std::sort(chosen.begin(), chosen.end());
     chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());

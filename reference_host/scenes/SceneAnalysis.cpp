@@ -18,7 +18,8 @@ std::vector<FrameRecord> recordsOf(std::span<const FrameSignal> signals,
     std::vector<FrameRecord> records;
     records.reserve(signals.size());
     for (const FrameSignal& signal : signals) {
-        records.push_back({signal.positionTicks, signal.sharpness, signal.change, false, false});
+        records.push_back(
+            {signal.positionTicks, signal.sharpness, signal.change, false, false, signal.number});
     }
     for (const Transition& transition : transitions) {
         for (std::size_t i = transition.begin; i < transition.end; ++i)

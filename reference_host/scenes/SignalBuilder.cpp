@@ -18,12 +18,13 @@ void SignalBuilder::add(const PictureFeatures& picture) {
                               picture.goesOn};
     FrameSignal signal;
     signal.positionTicks = picture.positionTicks;
+    signal.number = picture.leftOutBefore + (signals_.empty() ? 0 : signals_.back().number + 1);
     signal.sharpness = picture.sharpness;
     signal.contrast = picture.contrast;
     signal.isChangeUnknown = picture.goesOn;
     signals_.push_back(signal);
     addForChange(entry);
-    addForBlend(entry, picture.leftOutBefore);
+    addForBlend(entry);
 }
 
 void SignalBuilder::addForChange(const WindowPicture& picture) {
@@ -31,30 +32,33 @@ void SignalBuilder::addForChange(const WindowPicture& picture) {
     if (changeWindow_.end() > lastingReach) setChange(changeWindow_.end() - 1 - lastingReach);
 }
 
-void SignalBuilder::addForBlend(WindowPicture picture, std::uint32_t leftOut) {
+void SignalBuilder::addForBlend(WindowPicture picture) {
     if (blendWindow_.end() > 0) {
         const std::int64_t newest = blendWindow_[blendWindow_.end() - 1].positionTicks;
         picture.stepTicks = picture.positionTicks - newest;
         if (picture.stepTicks < smallestBlendStepTicks) return;
-        addStandIns(leftOut, picture);
+        addStandIns(picture);
     }
     pushForBlend(picture);
 }
 
-/// Puts mixes of the newest picture of the window and the next one into the places of those that
-/// were left out between them.
-void SignalBuilder::addStandIns(std::uint32_t count, const WindowPicture& next) {
+/// Puts mixes of the newest picture of the window and the next one into the places of those between
+/// them, if some were left out.
+void SignalBuilder::addStandIns(const WindowPicture& next) {
     const WindowPicture newest = blendWindow_[blendWindow_.end() - 1];
+    const std::size_t frames = next.frame - newest.frame;
+    const std::size_t steps = signals_[next.frame].number - signals_[newest.frame].number;
+    if (steps == frames) return;
     std::int64_t latest = newest.positionTicks;
-    for (std::uint32_t i = 1; i <= count; ++i) {
-        const double share = i / (count + 1.0);
-        const auto position =
+    for (std::size_t i = 1; i < steps; ++i) {
+        const double share = static_cast<double>(i) / static_cast<double>(steps);
+        const std::int64_t position =
             newest.positionTicks + std::llround(share * static_cast<double>(next.stepTicks));
         if (position - latest < smallestBlendStepTicks) continue;
         if (next.positionTicks - position < smallestBlendStepTicks) break;
         latest = position;
         pushForBlend({newest.frame, position, mixOf(newest.thumbnail, next.thumbnail, share), false,
-                      next.stepTicks, true});
+                      next.stepTicks, frames});
     }
 }
 
@@ -72,7 +76,7 @@ void SignalBuilder::setChange(std::size_t number) {
 }
 
 void SignalBuilder::setBlend(std::size_t number) {
-    if (blendWindow_[number].isStandIn) return;
+    if (blendWindow_[number].isStandIn()) return;
     signals_[blendWindow_[number].frame].blend = blendAt(blendWindow_, number);
 }
 

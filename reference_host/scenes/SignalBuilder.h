@@ -15,8 +15,8 @@ namespace reference_host::scenes {
 
 /// Computes the signal of each picture of a stream, from two windows: one of every picture, for
 /// cuts, and one of pictures at a limited rate, for dissolves, which need seconds rather than
-/// frames. In the second one, mixes of their neighbours stand in for pictures that were left out:
-/// wherever that is done, both show one view.
+/// frames. In the second one, mixes of their neighbours stand in for pictures that were left out,
+/// so that both halves of a dissolve have as many.
 class SignalBuilder {
 public:
     /// Takes the next picture; positions ascend strictly.
@@ -27,9 +27,9 @@ public:
 
 private:
     void addForChange(const WindowPicture& picture);
-    void addForBlend(WindowPicture picture, std::uint32_t leftOut);
+    void addForBlend(WindowPicture picture);
     void pushForBlend(const WindowPicture& picture);
-    void addStandIns(std::uint32_t count, const WindowPicture& next);
+    void addStandIns(const WindowPicture& next);
     void setChange(std::size_t number);
     void setBlend(std::size_t number);
 

@@ -11,17 +11,20 @@ namespace reference_host::scenes {
 
 /// One picture of a window.
 struct WindowPicture {
-    /// Its index in the footage.
+    /// Its index among the pictures that were seen.
     std::size_t frame = 0;
     std::int64_t positionTicks = 0;
     Thumbnail thumbnail;
     /// See PictureFeatures.
     bool goesOn = false;
-    /// How long before this picture, or the next that was seen, the last one before it was seen; 0
-    /// for the first.
+    /// The distance of the two seen pictures of the window that enclose it, or of which it is the
+    /// second; 0 for the first.
     std::int64_t stepTicks = 0;
-    /// It stands in for one that was left out.
-    bool isStandIn = false;
+    /// For one that stands in for a picture that was left out, how far the next seen one of the
+    /// window is behind `frame`, which is that of the one before it; 0 for one that was seen.
+    std::size_t framesToNext = 0;
+
+    bool isStandIn() const { return framesToNext > 0; }
 };
 
 /// The newest pictures of a stream, up to a fixed number; addressed by running numbers that go on

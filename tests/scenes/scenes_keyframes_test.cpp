@@ -27,7 +27,8 @@ KOR::KeyFrameParameters defaults() {
 FootageRecord footage(std::size_t count) {
     FootageRecord record;
     for (std::size_t i = 0; i < count; ++i) {
-        record.frames.push_back({static_cast<std::int64_t>(i) * step, 10, 1, false});
+        record.frames.push_back({static_cast<std::int64_t>(i) * step, 10, 1, false, false,
+                                 static_cast<std::uint32_t>(i)});
     }
     record.durationTicks = static_cast<std::int64_t>(count) * step;
     record.scenes = {{0, record.durationTicks}};
@@ -140,7 +141,7 @@ TEST(KeyFrames, FramesThatWereLeftOutAtTheBeginAreInTheMarginToo) {
 TEST(KeyFrames, MarginsAreKeptWhereEverySecondFrameWasLookedAt) {
     FootageRecord record = footage(20);
     std::erase_if(record.frames, [](const FrameRecord& frame) {
-        return frame.positionTicks > step && frame.positionTicks / step % 2 == 1;
+        return frame.number % 2 == 1 && frame.number < 19;
     });
     KOR::KeyFrameParameters parameters = defaults();
     parameters.marginFramesBegin = 8;
@@ -148,17 +149,34 @@ TEST(KeyFrames, MarginsAreKeptWhereEverySecondFrameWasLookedAt) {
     EXPECT_EQ(chooseKeyFrames(record, {{0, 20 * step}}, parameters), Positions{8 * step});
 }
 
-TEST(KeyFrames, PositionsInMillisecondsDoNotMoveTheMargins) {
-    constexpr std::int64_t millisecond = second / 1000;
-    FootageRecord record = footage(0);
-    for (std::int64_t i = 0; i < 90; ++i)
-        record.frames.push_back({(i * 100 + 1) / 3 * millisecond, 10, 1, false});
-    record.durationTicks = 3 * second;
+TEST(KeyFrames, MarginsCountPicturesOfAnyLength) {
+    FootageRecord record = footage(20);
+    record.frames[1].positionTicks = 1;
+    record.frames[18].positionTicks = 20 * second;
+    record.frames[19].positionTicks = 30 * second;
+    record.durationTicks = 31 * second;
     KOR::KeyFrameParameters parameters = defaults();
-    parameters.marginFramesBegin = 50;
-    parameters.marginFramesEnd = 39;
+    parameters.marginFramesBegin = 3;
+    parameters.marginFramesEnd = 16;
     EXPECT_EQ(chooseKeyFrames(record, {{0, record.durationTicks}}, parameters),
-              Positions{record.frames[50].positionTicks});
+              Positions{3 * step});
+}
+
+TEST(KeyFrames, MarginsBeginWithinWhatWasLeftOut) {
+    // Of the numbers 50 to 59 and 90 to 99 nothing was looked at. The range is from 55 to 95.
+    FootageRecord record = footage(200);
+    std::erase_if(record.frames, [](const FrameRecord& frame) {
+        return (frame.number >= 50 && frame.number < 60) ||
+               (frame.number >= 90 && frame.number < 100);
+    });
+    KOR::KeyFrameParameters parameters = defaults();
+    parameters.marginFramesBegin = 10;
+    parameters.marginFramesEnd = 29;
+    const std::vector<KOR::TickRange> range = {{55 * step, 95 * step}};
+    EXPECT_EQ(chooseKeyFrames(record, range, parameters), Positions{65 * step});
+    parameters.marginFramesBegin = 34;
+    parameters.marginFramesEnd = 5;
+    EXPECT_EQ(chooseKeyFrames(record, range, parameters), Positions{89 * step});
 }
 
 TEST(KeyFrames, MarginsTooLargeLeaveOneFrame) {

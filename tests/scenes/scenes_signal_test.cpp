@@ -277,6 +277,59 @@ TEST(BlendSignal, EndsAtPicturesThatWereSeen) {
     EXPECT_EQ((middle + middle->blend.framesAfter)->positionTicks, 64 * stepTicks);
 }
 
+TEST(BlendSignal, IsNoneWhereMoreThanAFourthOfItWasLeftOut) {
+    EXPECT_EQ(dissolveWithout({51, 52, 53, 54})[49].blend.steps, 20U);
+    EXPECT_EQ(dissolveWithout({51, 52, 53, 54, 55})[49].blend.steps, 24U) << "six steps";
+    EXPECT_EQ(dissolveWithout({56, 57, 58, 59, 60, 61, 62, 63, 64, 65, 66})[49].blend.steps, 12U)
+        << "twelve steps, of which four would belong to it";
+}
+
+TEST(SignalBuilder, LetsNothingStandInWhereNothingWasLeftOut) {
+    // Ten times a second, two pictures follow each other too fast for both to be looked at.
+    SignalBuilder builder;
+    for (int i = 0; i < 60; ++i) {
+        for (const std::int64_t later : {std::int64_t{0}, ticksPerSecond / 100}) {
+            PictureFeatures picture = featuresOf(mixed(Scenery(1).picture(), Scenery(2).picture(),
+                                                       std::clamp((i - 25) / 10.0, 0.0, 1.0)));
+            picture.positionTicks = i * ticksPerSecond / 10 + later;
+            builder.add(picture);
+        }
+    }
+    const std::vector<FrameSignal> signals = builder.finish();
+    EXPECT_EQ(strongestOf(signals).number, 60U);
+    EXPECT_EQ(strongestOf(signals).blend.steps, 10U);
+}
+
+TEST(SignalBuilder, StandsInForPicturesWhereNotAllAreLookedAtForBlends) {
+    // Sixty pictures a second, of which every second one is looked at. Some of a dissolve and of
+    // the still beside it are left out, so that others than usual are.
+    const auto dissolve = [](bool isSparse) {
+        SignalBuilder builder;
+        std::uint32_t leftOut = 0;
+        for (int i = 0; i < 200; ++i) {
+            const bool isOut = isSparse && (i == 79 || i == 80 || (i >= 121 && i < 124));
+            if (isOut) ++leftOut;
+            if (isOut) continue;
+            PictureFeatures picture = featuresOf(mixed(Scenery(1).picture(), Scenery(2).picture(),
+                                                       std::clamp((i - 80) / 40.0, 0.0, 1.0)));
+            picture.positionTicks = i * ticksPerSecond / 60;
+            picture.leftOutBefore = std::exchange(leftOut, 0);
+            builder.add(picture);
+        }
+        return builder.finish();
+    };
+    const std::vector<FrameSignal> all = dissolve(false);
+    const std::vector<FrameSignal> some = dissolve(true);
+    ASSERT_EQ(some.size() + 5, all.size());
+    EXPECT_EQ(some.back().number, all.back().number);
+    const FrameSignal& whole = strongestOf(all);
+    const FrameSignal& strongest = strongestOf(some);
+    EXPECT_EQ(whole.number, 100U);
+    EXPECT_NEAR(strongest.number, whole.number, 1);
+    EXPECT_EQ(strongest.blend.steps, whole.blend.steps);
+    EXPECT_NEAR(strongest.blend.strength, whole.blend.strength, 20);
+}
+
 /// A steady mix from one scenery to another, of pictures that follow each other after these steps.
 ThumbnailWindow steadyMix(const std::vector<std::int64_t>& stepsTicks) {
     const PictureSample from = Scenery(1).picture();
