@@ -25,7 +25,7 @@ struct FrameRecord {
 
 /// What scene analysis has learnt about one video: a small record for each picture, and the scenes.
 struct FootageRecord {
-    /// In strictly ascending position.
+    /// In strictly ascending position and number.
     std::vector<FrameRecord> frames;
     /// They tile the footage: the first begins at 0, each begins where the one before ends, the
     /// last ends at the duration. Empty when the duration is not above 0.

@@ -223,7 +223,8 @@ TEST(KeyFrames, EqualRangesGiveNoDuplicates) {
 TEST(KeyFrames, RarePicturesAreFoundByTime) {
     FootageRecord record;
     for (const std::int64_t at : {0, 1, 2, 3, 4, 30, 31}) {
-        record.frames.push_back({at * second, 10, 1, false});
+        record.frames.push_back(
+            {at * second, 10, 1, false, false, static_cast<std::uint32_t>(record.frames.size())});
     }
     record.durationTicks = 40 * second;
     record.scenes = {{0, 40 * second}};
@@ -235,11 +236,13 @@ TEST(KeyFrames, RarePicturesAreFoundByTime) {
 RC_GTEST_PROP(KeyFrames, EveryRangeIsServedFromInside, ()) {
     FootageRecord record;
     std::int64_t position = *rc::gen::inRange(0, 100);
+    std::uint32_t number = 0;
     for (const int gap :
          *rc::gen::container<std::vector<int>>(rc::gen::inRange(1, 3 * 10'000'000))) {
         record.frames.push_back({position, static_cast<float>(*rc::gen::inRange(0, 50)), 1,
-                                 *rc::gen::arbitrary<bool>()});
+                                 *rc::gen::arbitrary<bool>(), *rc::gen::arbitrary<bool>(), number});
         position += gap;
+        number += *rc::gen::inRange<std::uint32_t>(1, 10);
     }
     record.durationTicks = position;
     const auto bound = rc::gen::oneOf(rc::gen::inRange<std::int64_t>(-1000, position + 1000),
@@ -250,9 +253,10 @@ RC_GTEST_PROP(KeyFrames, EveryRangeIsServedFromInside, ()) {
              rc::gen::pair(bound, bound))) {
         ranges.push_back({begin, end});
     }
-    const auto number =
+    const auto parameter =
         rc::gen::oneOf(rc::gen::inRange(-2, 10), rc::gen::arbitrary<std::int32_t>());
-    const KOR::KeyFrameParameters parameters{*number, *number, 0, *number, *number, *number};
+    const KOR::KeyFrameParameters parameters{*parameter, *parameter, 0,
+                                             *parameter, *parameter, *parameter};
 
     const Positions chosen = chooseKeyFrames(record, ranges, parameters);
 
