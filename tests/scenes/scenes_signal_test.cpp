@@ -220,13 +220,14 @@ TEST(BlendSignal, WhatIsBesideItChangesAsFastWherePicturesAreRare) {
 
 /// The signals of a dissolve that takes the pictures 40 to 58 of 99, without those that are `out`.
 std::vector<FrameSignal> dissolveWithout(const std::vector<int>& out) {
+    const PictureSample from = Scenery(1).picture();
+    const PictureSample to = Scenery(2).picture();
     Signals signals;
     for (int i = 0; i < 99; ++i) {
         if (std::ranges::count(out, i) > 0) {
             signals.skip();
         } else {
-            signals.show(1, mixed(Scenery(1).picture(), Scenery(2).picture(),
-                                  std::clamp((i - 39) / 20.0, 0.0, 1.0)));
+            signals.show(1, mixed(from, to, std::clamp((i - 39) / 20.0, 0.0, 1.0)));
         }
     }
     return signals.finish();
@@ -286,11 +287,13 @@ TEST(BlendSignal, IsNoneWhereMoreThanAFourthOfItWasLeftOut) {
 
 TEST(SignalBuilder, LetsNothingStandInWhereNothingWasLeftOut) {
     // Ten times a second, two pictures follow each other too fast for both to be looked at.
+    const PictureSample from = Scenery(1).picture();
+    const PictureSample to = Scenery(2).picture();
     SignalBuilder builder;
     for (int i = 0; i < 60; ++i) {
         for (const std::int64_t later : {std::int64_t{0}, ticksPerSecond / 100}) {
-            PictureFeatures picture = featuresOf(mixed(Scenery(1).picture(), Scenery(2).picture(),
-                                                       std::clamp((i - 25) / 10.0, 0.0, 1.0)));
+            PictureFeatures picture =
+                featuresOf(mixed(from, to, std::clamp((i - 25) / 10.0, 0.0, 1.0)));
             picture.positionTicks = i * ticksPerSecond / 10 + later;
             builder.add(picture);
         }
@@ -303,15 +306,17 @@ TEST(SignalBuilder, LetsNothingStandInWhereNothingWasLeftOut) {
 TEST(SignalBuilder, StandsInForPicturesWhereNotAllAreLookedAtForBlends) {
     // Sixty pictures a second, of which every second one is looked at. Some of a dissolve and of
     // the still beside it are left out, so that others than usual are.
-    const auto dissolve = [](bool isSparse) {
+    const PictureSample from = Scenery(1).picture();
+    const PictureSample to = Scenery(2).picture();
+    const auto dissolve = [&](bool isSparse) {
         SignalBuilder builder;
         std::uint32_t leftOut = 0;
         for (int i = 0; i < 200; ++i) {
             const bool isOut = isSparse && (i == 79 || i == 80 || (i >= 121 && i < 124));
             if (isOut) ++leftOut;
             if (isOut) continue;
-            PictureFeatures picture = featuresOf(mixed(Scenery(1).picture(), Scenery(2).picture(),
-                                                       std::clamp((i - 80) / 40.0, 0.0, 1.0)));
+            PictureFeatures picture =
+                featuresOf(mixed(from, to, std::clamp((i - 80) / 40.0, 0.0, 1.0)));
             picture.positionTicks = i * ticksPerSecond / 60;
             picture.leftOutBefore = std::exchange(leftOut, 0);
             builder.add(picture);
