@@ -157,7 +157,7 @@ void ContractModel::rank() {
         std::vector<KeyFrame>& scene = keyFrames_[s];
         std::stable_sort(scene.begin(), scene.end(),
                          [](const auto& a, const auto& b) { return a.score > b.score; });
-        if (scene.size() > 1) scene.resize(1);
+        if (!scene.empty()) scene.erase(scene.begin() + 1, scene.end());
         best_.insert(best_.end(), scene.begin(), scene.end());
     }
     std::stable_sort(best_.begin(), best_.end(),
